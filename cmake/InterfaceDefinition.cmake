@@ -1,0 +1,26 @@
+# Everything that is made out of server/Quorvane.idl: the C++ header and the identifiers here,
+# the type library, proxies and late-binding data in the folders that use them.
+find_program(WIDL x86_64-w64-mingw32-widl REQUIRED)
+set(QUORVANE_IDL ${CMAKE_SOURCE_DIR}/server/Quorvane.idl)
+set(QUORVANE_GENERATED ${CMAKE_BINARY_DIR}/generated)
+set(WIDL_FLAGS --win64 -I /usr/include/wine/wine/windows
+               -L /usr/lib/x86_64-linux-gnu/wine/x86_64-windows)
+file(MAKE_DIRECTORY ${QUORVANE_GENERATED})
+
+add_custom_command(
+    OUTPUT ${QUORVANE_GENERATED}/Quorvane.h
+    COMMAND ${WIDL} ${WIDL_FLAGS} -h -H ${QUORVANE_GENERATED}/Quorvane.h ${QUORVANE_IDL}
+    DEPENDS ${QUORVANE_IDL} VERBATIM)
+add_custom_command(
+    OUTPUT ${QUORVANE_GENERATED}/Quorvane_i.c
+    COMMAND ${WIDL} ${WIDL_FLAGS} -u -U ${QUORVANE_GENERATED}/Quorvane_i.c ${QUORVANE_IDL}
+    DEPENDS ${QUORVANE_IDL} VERBATIM)
+add_custom_target(quorvane_idl DEPENDS ${QUORVANE_GENERATED}/Quorvane.h)
+
+# The identifiers (IID_ISmtpMail, CLSID_SmtpMail ...) and the include path of the header.
+add_library(quorvane_identifiers STATIC ${QUORVANE_GENERATED}/Quorvane_i.c
+                                        ${QUORVANE_GENERATED}/Quorvane.h)
+target_include_directories(quorvane_identifiers SYSTEM PUBLIC ${QUORVANE_GENERATED})
+if(NOT WIN32)
+    target_include_directories(quorvane_identifiers PUBLIC ${CMAKE_SOURCE_DIR}/platform/include)
+endif()

@@ -1,0 +1,34 @@
+// Header fields in the order in which they were added.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorvane {
+
+struct HeaderField {
+    std::string name;   // 8-bit text in the thread's ANSI code page
+    std::string value;  // without the line end
+};
+
+class HeaderList {
+public:
+    // Appends the field; silently doesn't when there is no memory for it.
+    void Append(std::string_view name, std::string_view value);
+
+    // Index of the first field with that name, or npos.
+    static constexpr std::size_t npos = static_cast<std::size_t>(-1);
+    std::size_t Find(std::string_view name) const;            // exact
+    std::size_t FindIgnoreCase(std::string_view name) const;  // ASCII letters in any case
+
+    void Remove(std::size_t index);
+
+    const std::vector<HeaderField>& fields() const { return fields_; }
+
+private:
+    std::vector<HeaderField> fields_;
+};
+
+}  // namespace quorvane

@@ -7,14 +7,17 @@ set(WIDL_FLAGS --win64 -I /usr/include/wine/wine/windows
                -L /usr/lib/x86_64-linux-gnu/wine/x86_64-windows)
 file(MAKE_DIRECTORY ${QUORVANE_GENERATED})
 
-add_custom_command(
-    OUTPUT ${QUORVANE_GENERATED}/Quorvane.h
-    COMMAND ${WIDL} ${WIDL_FLAGS} -h -H ${QUORVANE_GENERATED}/Quorvane.h ${QUORVANE_IDL}
-    DEPENDS ${QUORVANE_IDL} VERBATIM)
-add_custom_command(
-    OUTPUT ${QUORVANE_GENERATED}/Quorvane_i.c
-    COMMAND ${WIDL} ${WIDL_FLAGS} -u -U ${QUORVANE_GENERATED}/Quorvane_i.c ${QUORVANE_IDL}
-    DEPENDS ${QUORVANE_IDL} VERBATIM)
+# quorvane_widl(output option...): makes ${QUORVANE_GENERATED}/output; a warning is an error.
+function(quorvane_widl output)
+    add_custom_command(
+        OUTPUT ${QUORVANE_GENERATED}/${output}
+        COMMAND ${CMAKE_COMMAND} -P ${CMAKE_SOURCE_DIR}/cmake/RunWidl.cmake --
+                ${WIDL} ${WIDL_FLAGS} ${ARGN} ${QUORVANE_GENERATED}/${output} ${QUORVANE_IDL}
+        DEPENDS ${QUORVANE_IDL} ${CMAKE_SOURCE_DIR}/cmake/RunWidl.cmake VERBATIM)
+endfunction()
+
+quorvane_widl(Quorvane.h -h -H)
+quorvane_widl(Quorvane_i.c -u -U)
 add_custom_target(quorvane_idl DEPENDS ${QUORVANE_GENERATED}/Quorvane.h)
 
 # The identifiers (IID_ISmtpMail, CLSID_SmtpMail ...) and the include path of the header.

@@ -9,10 +9,12 @@ file(MAKE_DIRECTORY ${QUORVANE_GENERATED})
 
 # quorvane_widl(output option...): makes ${QUORVANE_GENERATED}/output; a warning is an error.
 function(quorvane_widl output)
+    set(path ${QUORVANE_GENERATED}/${output})
+    set(command ${WIDL} ${WIDL_FLAGS} ${ARGN} ${path} ${QUORVANE_IDL})
     add_custom_command(
-        OUTPUT ${QUORVANE_GENERATED}/${output}
-        COMMAND ${CMAKE_COMMAND} -P ${CMAKE_SOURCE_DIR}/cmake/RunWidl.cmake --
-                ${WIDL} ${WIDL_FLAGS} ${ARGN} ${QUORVANE_GENERATED}/${output} ${QUORVANE_IDL}
+        OUTPUT ${path}
+        COMMAND ${CMAKE_COMMAND} "-DWIDL=${command}" -DOUTPUT=${path}
+                -P ${CMAKE_SOURCE_DIR}/cmake/RunWidl.cmake
         DEPENDS ${QUORVANE_IDL} ${CMAKE_SOURCE_DIR}/cmake/RunWidl.cmake VERBATIM)
 endfunction()
 

@@ -2,8 +2,8 @@
 // where it meets 8-bit text and automation strings.
 #pragma once
 
-#include <windows.h>
 #include <oleauto.h>
+#include <windows.h>
 
 #include <string>
 #include <string_view>
@@ -33,7 +33,7 @@ std::string LowBytes(WideView text);
 // The text of an automation string up to its first NUL; a null string is empty.
 WideString FromBstr(BSTR text);
 // Gives *out a new automation string with a copy of the text, embedded NULs included, which the
-// caller owns. E_OUTOFMEMORY when it can't be allocated; E_POINTER for a null out.
+// caller owns. E_OUTOFMEMORY when it can't be allocated; E_INVALIDARG for a null out.
 HRESULT ToBstr(WideView text, BSTR* out);
 
 // True for the characters that the C library calls white space: blank, tab, LF, VT, FF, CR.
@@ -42,7 +42,9 @@ constexpr bool IsSpace(WCHAR c) {
 }
 WideView TrimLeft(WideView text);
 WideView TrimRight(WideView text);
-inline WideView Trim(WideView text) { return TrimLeft(TrimRight(text)); }
+inline WideView Trim(WideView text) {
+    return TrimLeft(TrimRight(text));
+}
 
 // Compares, ignoring the case of ASCII letters only.
 bool EqualIgnoreCase(WideView a, WideView b);

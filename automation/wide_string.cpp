@@ -1,0 +1,128 @@
+#include "automation/wide_string.h"
+
+#include <algorithm>
+#include <climits>
+#include <stdexcept>
+
+namespace quorvane {
+namespace {
+
+// The platform's conversions take 32-bit lengths.
+int ConversionLength(std::size_t size) {
+    if (size > static_cast<std::size_t>(INT_MAX)) throw std::length_error("text too long");
+    return static_cast<int>(size);
+}
+
+// ASCII is the same in every code page that can be a thread's; most texts are nothing else.
+bool IsAscii(WideView text) {
+    return std::all_of(text.begin(), text.end(), [](WCHAR c) { return c < 0x80; });
+}
+
+std::string Narrow(UINT codePage, WideView text) {
+    std::string out;
+    if (IsAscii(text)) {
+        AppendLowBytes(text, out);
+        return out;
+    }
+    const int units = ConversionLength(text.size());
+    const int bytes =
+        WideCharToMultiByte(codePage, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
+    out.resize(static_cast<std::size_t>(std::max(bytes, 0)));
+    WideCharToMultiByte(codePage, 0, text.data(), units, out.data(), bytes, nullptr, nullptr);
+    return out;
+}
+
+WideString Widen(UINT codePage, std::string_view bytes) {
+    WideString out;
+    if (bytes.empty()) return out;
+    const int size = ConversionLength(bytes.size());
+    const int units = MultiByteToWideChar(codePage, 0, bytes.data(), size, nullptr, 0);
+    out.resize(static_cast<std::size_t>(std::max(units, 0)));
+    MultiByteToWideChar(codePage, 0, bytes.data(), size, out.data(), units);
+    return out;
+}
+
+template <class Character>
+constexpr Character FoldAscii(Character c) {
+    return c >= Character('A') && c <= Character('Z') ? Character(c + 32) : c;
+}
+
+template <class View>
+bool EqualFolded(View a, View b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](auto x, auto y) { return FoldAscii(x) == FoldAscii(y); });
+}
+
+}  // namespace
+
+std::string ToAnsi(WideView text) {
+    return Narrow(CP_THREAD_ACP, text);
+}
+
+WideString FromAnsi(std::string_view bytes) {
+    return Widen(CP_THREAD_ACP, bytes);
+}
+
+std::string ToUtf8(WideView text) {
+    return Narrow(CP_UTF8, text);
+}
+
+WideString FromUtf8(std::string_view bytes) {
+    return Widen(CP_UTF8, bytes);
+}
+
+WideString WidenBytes(std::string_view bytes) {
+    WideString out(bytes.size(), WCHAR(0));
+    std::transform(bytes.begin(), bytes.end(), out.begin(),
+                   [](char c) { return static_cast<WCHAR>(static_cast<unsigned char>(c)); });
+    return out;
+}
+
+void AppendLowBytes(WideView text, std::string& out) {
+    const std::size_t start = out.size();
+    out.resize(start + text.size());
+    std::transform(text.begin(), text.end(), out.begin() + static_cast<std::ptrdiff_t>(start),
+                   [](WCHAR c) { return static_cast<char>(c & 0xFF); });
+}
+
+std::string LowBytes(WideView text) {
+    std::string out;
+    AppendLowBytes(text, out);
+    return out;
+}
+
+WideString FromBstr(BSTR text) {
+    return text ? WideString(text) : WideString();
+}
+
+HRESULT ToBstr(WideView text, BSTR* out) {
+    if (!out) return E_INVALIDARG;
+    *out = nullptr;
+    if (text.size() > UINT_MAX / sizeof(WCHAR)) return E_OUTOFMEMORY;
+    *out = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+    return *out ? S_OK : E_OUTOFMEMORY;
+}
+
+WideView TrimLeft(WideView text) {
+    while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);
+    return text;
+}
+
+WideView TrimRight(WideView text) {
+    while (!text.empty() && IsSpace(text.back())) text.remove_suffix(1);
+    return text;
+}
+
+bool EqualIgnoreCase(WideView a, WideView b) {
+    return EqualFolded(a, b);
+}
+
+bool EqualIgnoreCase(std::string_view a, std::string_view b) {
+    return EqualFolded(a, b);
+}
+
+bool StartsWithIgnoreCase(WideView text, WideView prefix) {
+    return EqualFolded(text.substr(0, prefix.size()), prefix);
+}
+
+}  // namespace quorvane

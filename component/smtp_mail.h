@@ -1,0 +1,75 @@
+// SmtpMail: the sending object.
+#pragma once
+
+#include "Quorvane.h"
+#include "automation/object.h"
+#include "component/settings.h"
+#include "model/outgoing_message.h"
+
+namespace quorvane {
+
+// Failures come back through one of two channels, never both. Wrong use of the interface gives a
+// failing HRESULT with error information, and nothing is sent. A send that was attempted gives
+// S_OK or S_FALSE with the outcome in the out-parameters, kept as the object's last error.
+class CSmtpMail final : public ComObject<AtomicCount, ISmtpMail> {
+public:
+    STDMETHODIMP get_SmtpServer(BSTR* pVal) override;
+    STDMETHODIMP put_SmtpServer(BSTR newVal) override;
+    STDMETHODIMP get_SmtpPort(LONG* pVal) override;
+    STDMETHODIMP put_SmtpPort(LONG newVal) override;
+    STDMETHODIMP get_SmtpUsername(BSTR* pVal) override;
+    STDMETHODIMP put_SmtpUsername(BSTR newVal) override;
+    STDMETHODIMP get_SmtpPassword(BSTR* pVal) override;
+    STDMETHODIMP put_SmtpPassword(BSTR newVal) override;
+    STDMETHODIMP SimpleSend(BSTR from, BSTR to, BSTR subject, BSTR body, BSTR* errorMessage,
+                            LONG* errorCode) override;
+    STDMETHODIMP Send(IMailMessage* message, VARIANT_BOOL useSMTPServer, BSTR* errorMessage,
+                      LONG* errorCode) override;
+    STDMETHODIMP SendAsync(IMailMessage* message, VARIANT_BOOL useSMTPServer,
+                           LONG* messageNumber) override;
+    STDMETHODIMP GetStatus(LONG messageNumber, MailStatus* messageStatus) override;
+    STDMETHODIMP GetErrorCode(LONG messageNumber, LONG* errorCode) override;
+    STDMETHODIMP GetErrorDescription(LONG messageNumber, BSTR* errorDescription) override;
+    STDMETHODIMP Cancel(LONG messageNumber) override;
+    STDMETHODIMP CancelAll() override;
+    STDMETHODIMP get_MaxThreads(LONG* pVal) override;
+    STDMETHODIMP put_MaxThreads(LONG newVal) override;
+    STDMETHODIMP SimpleSendScriptable(BSTR from, BSTR to, BSTR subject, BSTR body,
+                                      VARIANT* errorMessage, LONG* errorCode) override;
+    STDMETHODIMP SendScriptable(IMailMessage* message, VARIANT_BOOL useSMTPServer,
+                                VARIANT* errorMessage, LONG* errorCode) override;
+    STDMETHODIMP put_OnStatusChangeHandler(VARIANT newVal) override;
+    STDMETHODIMP put_OnProgressHandler(VARIANT newVal) override;
+    STDMETHODIMP get_SenderHostname(BSTR* pVal) override;
+    STDMETHODIMP put_SenderHostname(BSTR newVal) override;
+    STDMETHODIMP SimpleSendAttachment(BSTR from, BSTR to, BSTR subject, BSTR body, BSTR attachments,
+                                      BSTR* errorMessage, LONG* errorCode) override;
+    STDMETHODIMP SimpleSendAttachmentScriptable(BSTR from, BSTR to, BSTR subject, BSTR body,
+                                                BSTR attachments, VARIANT* errorMessage,
+                                                LONG* errorCode) override;
+    STDMETHODIMP get_SmtpSPA(VARIANT_BOOL* pVal) override;
+    STDMETHODIMP put_SmtpSPA(VARIANT_BOOL newVal) override;
+    STDMETHODIMP get_SmtpSSL(VARIANT_BOOL* pVal) override;
+    STDMETHODIMP put_SmtpSSL(VARIANT_BOOL newVal) override;
+    STDMETHODIMP GetLastErrorCode(LONG* errorCode) override;
+    STDMETHODIMP GetLastErrorDescription(BSTR* errorDescription) override;
+    STDMETHODIMP GetQueueSize(LONG* queueSize) override;
+    STDMETHODIMP get_ConnectAttempts(LONG* pVal) override;
+    STDMETHODIMP put_ConnectAttempts(LONG newVal) override;
+    STDMETHODIMP get_ReplyTimeout(LONG* pVal) override;
+    STDMETHODIMP put_ReplyTimeout(LONG newVal) override;
+    STDMETHODIMP SimpleSendHTML(BSTR from, BSTR to, BSTR subject, BSTR filename, BSTR* errorMessage,
+                                LONG* errorCode) override;
+    STDMETHODIMP SimpleSendHTMLScriptable(BSTR from, BSTR to, BSTR subject, BSTR filename,
+                                          VARIANT* errorMessage, LONG* errorCode) override;
+
+private:
+    HRESULT SendCore(COutgoingMessage& message, bool useSmtpServer, BSTR* errorMessage,
+                     LONG* errorCode);
+
+    SmtpSettings settings_;
+    LONG maxThreads_ = 5;
+    SendOutcome lastError_;  // of the last synchronous send
+};
+
+}  // namespace quorvane

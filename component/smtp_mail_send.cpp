@@ -1,0 +1,117 @@
+// The synchronous sends of SmtpMail.
+#include "automation/error_info.h"
+#include "component/relay.h"
+#include "component/smtp_mail.h"
+#include "model/mail_message.h"
+
+namespace quorvane {
+namespace {
+
+HRESULT Report(LPCOLESTR text, HRESULT status) {
+    return ReportComError(CLSID_SmtpMail, text, 0, nullptr, IID_ISmtpMail, status);
+}
+
+void ClearOutcome(BSTR* errorMessage, LONG* errorCode) {
+    if (errorMessage) *errorMessage = nullptr;
+    if (errorCode) *errorCode = 0;
+}
+
+// The implementation behind the pointer when it is one of this component's own messages, in its
+// own apartment; null otherwise.
+const CMailMessage* OwnMessage(IMailMessage* message) {
+    ComPtr<IMailMessageObject> own;
+    void* implementation = nullptr;
+    if (FAILED(message->QueryInterface(IID_IMailMessageObject, own.ReceiveVoid())) ||
+        FAILED(own->GetMailMessage(&implementation))) {
+        return nullptr;
+    }
+    return static_cast<const CMailMessage*>(implementation);
+}
+
+// Runs a send and reports whatever escapes from it.
+template <class Body>
+HRESULT GuardedSend(Body&& body) noexcept {
+    try {
+        return body();
+    } catch (...) {
+        return Report(OLESTR("Unexpected exception!"), E_FAIL);
+    }
+}
+
+// Calls a plain method with the text of the VARIANT as its error message.
+template <class Plain>
+HRESULT Scriptable(VARIANT* errorMessage, Plain&& plain) noexcept {
+    if (!errorMessage) return E_INVALIDARG;
+    VariantClear(errorMessage);
+    errorMessage->vt = VT_BSTR;
+    errorMessage->bstrVal = nullptr;
+    return plain(&errorMessage->bstrVal);
+}
+
+}  // namespace
+
+STDMETHODIMP CSmtpMail::Send(IMailMessage* message, VARIANT_BOOL useSMTPServer, BSTR* errorMessage,
+                             LONG* errorCode) {
+    ClearOutcome(errorMessage, errorCode);
+    if (!message) return E_INVALIDARG;
+    return GuardedSend([&] {
+        const ComPtr<IMailMessage> held(message);
+        const CMailMessage* own = OwnMessage(message);
+        if (!own) return Report(OLESTR("Quorvane internal error 973!"), E_FAIL);
+        COutgoingMessage copy;
+        PrepareOutgoingMessage(*own, copy);
+        return SendCore(copy, useSMTPServer != VARIANT_FALSE, errorMessage, errorCode);
+    });
+}
+
+HRESULT CSmtpMail::SendCore(COutgoingMessage& message, bool useSmtpServer, BSTR* errorMessage,
+                            LONG* errorCode) {
+    lastError_ = SendOutcome();
+    const WideString invalid = ValidateOutgoingMessage(message);
+    if (!invalid.empty()) return Report(invalid.c_str(), E_INVALIDARG);
+    if (!useSmtpServer) {
+        return Report(OLESTR("Direct delivery is not available in this version"), E_NOTIMPL);
+    }
+    if (settings_.server.empty()) {
+        return Report(
+            OLESTR("SmtpServer property can't be empty if useSmtpServer parameter is true"),
+            E_INVALIDARG);
+    }
+    lastError_ = SendThroughRelay(settings_, message);
+    if (lastError_.code != 0 && errorMessage) ToBstr(lastError_.text, errorMessage);
+    if (errorCode) *errorCode = lastError_.code;
+    return lastError_.code == 0 ? S_OK : S_FALSE;
+}
+
+STDMETHODIMP CSmtpMail::SendScriptable(IMailMessage* message, VARIANT_BOOL useSMTPServer,
+                                       VARIANT* errorMessage, LONG* errorCode) {
+    return Scriptable(errorMessage,
+                      [&](BSTR* text) { return Send(message, useSMTPServer, text, errorCode); });
+}
+
+STDMETHODIMP CSmtpMail::SimpleSend(BSTR, BSTR, BSTR, BSTR, BSTR*, LONG*) {
+    return E_NOTIMPL;
+}
+
+STDMETHODIMP CSmtpMail::SimpleSendScriptable(BSTR, BSTR, BSTR, BSTR, VARIANT*, LONG*) {
+    return E_NOTIMPL;
+}
+
+STDMETHODIMP CSmtpMail::SimpleSendAttachment(BSTR, BSTR, BSTR, BSTR, BSTR, BSTR*, LONG*) {
+    return E_NOTIMPL;
+}
+
+STDMETHODIMP CSmtpMail::SimpleSendAttachmentScriptable(BSTR, BSTR, BSTR, BSTR, BSTR, VARIANT*,
+                                                       LONG*) {
+    return E_NOTIMPL;
+}
+
+STDMETHODIMP CSmtpMail::SimpleSendHTML(BSTR, BSTR, BSTR, BSTR, BSTR*, LONG*) {
+    return E_NOTIMPL;
+}
+
+STDMETHODIMP CSmtpMail::SimpleSendHTMLScriptable(BSTR, BSTR, BSTR, BSTR, VARIANT*, LONG*) {
+    return E_NOTIMPL;
+}
+
+}  // namespace quorvane

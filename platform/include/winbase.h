@@ -1,0 +1,115 @@
+// Files, the calling thread's last error, modules, clocks and the computer's name.
+#pragma once
+
+#include "windef.h"
+
+#ifdef __cplusplus
+
+#define GENERIC_READ 0x80000000u
+#define GENERIC_WRITE 0x40000000u
+#define FILE_SHARE_READ 0x00000001
+#define FILE_SHARE_WRITE 0x00000002
+#define FILE_SHARE_DELETE 0x00000004
+#define CREATE_NEW 1
+#define CREATE_ALWAYS 2
+#define OPEN_EXISTING 3
+#define OPEN_ALWAYS 4
+#define FILE_ATTRIBUTE_READONLY 0x00000001
+#define FILE_ATTRIBUTE_DIRECTORY 0x00000010
+#define FILE_ATTRIBUTE_NORMAL 0x00000080
+#define FILE_FLAG_SEQUENTIAL_SCAN 0x08000000
+#define INVALID_FILE_ATTRIBUTES ((DWORD)-1)
+#define INVALID_FILE_SIZE ((DWORD)0xFFFFFFFF)
+
+typedef struct _SECURITY_ATTRIBUTES* LPSECURITY_ATTRIBUTES;
+typedef struct _OVERLAPPED* LPOVERLAPPED;
+
+extern "C" {
+
+// The error number of the calling thread's last failed system call. Never errno: a call of the C
+// library in between doesn't change it.
+DWORD WINAPI GetLastError();
+void WINAPI SetLastError(DWORD error);
+
+// Opens or creates a file for reading, writing or both. Both '\' and '/' separate path names, and
+// a drive such as C: names the root directory. INVALID_HANDLE_VALUE with the last error set on
+// failure; a directory gives ERROR_ACCESS_DENIED. Share modes are kept between all opens through
+// this function, in this process and in others.
+// Differs from Windows: programs that open the file in another way are not kept out; names are
+// case-sensitive, as the file system is; attributes and flags other than a hint are ignored.
+HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD shareMode,
+                          LPSECURITY_ATTRIBUTES security, DWORD disposition, DWORD flags,
+                          HANDLE templateFile);
+
+// Reads up to `size` bytes from the file position on; 0 bytes and success at the end of the file.
+BOOL WINAPI ReadFile(HANDLE file, LPVOID buffer, DWORD size, LPDWORD read, LPOVERLAPPED overlapped);
+BOOL WINAPI WriteFile(HANDLE file, LPCVOID buffer, DWORD size, LPDWORD written,
+                      LPOVERLAPPED overlapped);
+BOOL WINAPI GetFileSizeEx(HANDLE file, PLARGE_INTEGER size);
+DWORD WINAPI GetFileSize(HANDLE file, LPDWORD sizeHigh);
+BOOL WINAPI CloseHandle(HANDLE object);
+
+BOOL WINAPI DeleteFileW(LPCWSTR name);
+DWORD WINAPI GetFileAttributesW(LPCWSTR name);
+
+#define DLL_PROCESS_DETACH 0
+#define DLL_PROCESS_ATTACH 1
+
+// The library's own entry, when it defines one: called with DLL_PROCESS_ATTACH when the library
+// has been loaded and with DLL_PROCESS_DETACH before it goes.
+// Differs from Windows: there are no thread notifications.
+BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved);
+
+// Path of the library (or program) that the product's code is in, with '/' between its names,
+// whatever module is asked for. The number of units without the terminating NUL; `size` and
+// ERROR_INSUFFICIENT_BUFFER when the path had to be cut.
+DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size);
+
+typedef struct _SYSTEMTIME {
+    WORD wYear;
+    WORD wMonth;      // 1 to 12
+    WORD wDayOfWeek;  // 0 is Sunday
+    WORD wDay;
+    WORD wHour;
+    WORD wMinute;
+    WORD wSecond;
+    WORD wMilliseconds;
+} SYSTEMTIME, *LPSYSTEMTIME;
+
+// UTC = local time + Bias + the bias of the time in force; minutes.
+typedef struct _TIME_ZONE_INFORMATION {
+    LONG Bias;
+    WCHAR StandardName[32];
+    SYSTEMTIME StandardDate;
+    LONG StandardBias;
+    WCHAR DaylightName[32];
+    SYSTEMTIME DaylightDate;
+    LONG DaylightBias;
+} TIME_ZONE_INFORMATION, *LPTIME_ZONE_INFORMATION;
+
+#define TIME_ZONE_ID_UNKNOWN 0
+#define TIME_ZONE_ID_STANDARD 1
+#define TIME_ZONE_ID_DAYLIGHT 2
+#define TIME_ZONE_ID_INVALID ((DWORD)0xFFFFFFFF)
+
+void WINAPI GetLocalTime(LPSYSTEMTIME time);
+
+// The zone of this process (TZ, or the system's) and which of its times is in force:
+// TIME_ZONE_ID_UNKNOWN for a zone without daylight time.
+// Differs from Windows: the two dates stay zero, since no caller computes the change.
+DWORD WINAPI GetTimeZoneInformation(LPTIME_ZONE_INFORMATION zone);
+
+// Milliseconds since the system was started.
+DWORD WINAPI GetTickCount();
+ULONGLONG WINAPI GetTickCount64();
+
+#define MAX_COMPUTERNAME_LENGTH 15
+
+// The computer's name without a domain, in capitals, 15 characters at most. *size: units of the
+// buffer on entry; length without the NUL on success; the needed room when it was too small
+// (ERROR_BUFFER_OVERFLOW).
+BOOL WINAPI GetComputerNameW(LPWSTR name, LPDWORD size);
+
+}  // extern "C"
+
+#endif

@@ -1,0 +1,104 @@
+// Basic Windows types for the native Linux build, with the SDK's names, sizes and signs.
+//
+// The headers of this folder stand in for the Windows SDK where there is none. They declare only
+// what the product calls. Where behaviour differs from Windows, the declaration says so and why.
+#pragma once
+
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+#define EXTERN_C extern "C"
+#else
+#include <uchar.h>
+#define EXTERN_C extern
+#endif
+
+// What client programs of the shared library link against is visible; all the rest is hidden.
+#define QUORVANE_EXPORT __attribute__((visibility("default")))
+
+// Differs from Windows: one calling convention serves all, that of the System V ABI.
+#define WINAPI
+#define APIENTRY
+#define CALLBACK
+#define STDMETHODCALLTYPE
+#define STDAPICALLTYPE
+
+#define IN
+#define OUT
+#define CONST const
+#define VOID void
+#define DECLSPEC_UUID(x)
+#define DECLSPEC_NOVTABLE
+#define DECLSPEC_SELECTANY __attribute__((weak))
+
+typedef unsigned char BYTE;
+typedef char CHAR;
+typedef signed char INT8;
+typedef unsigned char UCHAR;
+typedef int16_t SHORT;
+typedef uint16_t USHORT;
+typedef uint16_t WORD;
+typedef int INT;
+typedef unsigned int UINT;
+typedef int BOOL;
+// 32 bits as on Windows, where long has them too; Linux's long has 64.
+typedef int32_t LONG;
+typedef uint32_t ULONG;
+typedef uint32_t DWORD;
+typedef long long LONGLONG;
+typedef unsigned long long ULONGLONG;
+typedef float FLOAT;
+typedef double DOUBLE;
+typedef intptr_t INT_PTR;
+typedef uintptr_t UINT_PTR;
+typedef intptr_t LONG_PTR;
+typedef uintptr_t ULONG_PTR;
+typedef ULONG_PTR DWORD_PTR;
+typedef size_t SIZE_T;
+// Differs from Windows: char16_t, because wchar_t has 32 bits here. Literals are u"...", which
+// OLESTR writes on both systems.
+typedef char16_t WCHAR;
+
+typedef void *PVOID, *LPVOID;
+typedef const void* LPCVOID;
+typedef BYTE *PBYTE, *LPBYTE;
+typedef CHAR *PSTR, *LPSTR;
+typedef const CHAR *PCSTR, *LPCSTR, *LPCCH;
+typedef WCHAR *PWSTR, *LPWSTR;
+typedef const WCHAR *PCWSTR, *LPCWSTR, *LPCWCH;
+typedef LONG *PLONG, *LPLONG;
+typedef DWORD *PDWORD, *LPDWORD;
+typedef BOOL *PBOOL, *LPBOOL;
+typedef INT *PINT, *LPINT;
+
+typedef void* HANDLE;
+typedef struct HINSTANCE__* HINSTANCE;
+typedef HINSTANCE HMODULE;
+typedef struct HKEY__* HKEY;
+typedef HKEY* PHKEY;
+
+typedef DWORD LCID;
+typedef LONG HRESULT;
+typedef LONG LSTATUS;
+
+typedef union _LARGE_INTEGER {
+    LONGLONG QuadPart;
+} LARGE_INTEGER, *PLARGE_INTEGER;
+
+typedef struct _FILETIME {
+    DWORD dwLowDateTime;
+    DWORD dwHighDateTime;
+} FILETIME, *LPFILETIME;
+
+#define TRUE 1
+#define FALSE 0
+#define MAX_PATH 260
+#define INVALID_HANDLE_VALUE ((HANDLE)(LONG_PTR)-1)
+
+#define MAKEWORD(low, high) ((WORD)(((BYTE)(low)) | ((WORD)((BYTE)(high))) << 8))
+#define LOWORD(l) ((WORD)((DWORD_PTR)(l)&0xFFFF))
+#define HIWORD(l) ((WORD)((DWORD_PTR)(l) >> 16))
+#define MAKELANGID(primary, sub) ((((WORD)(sub)) << 10) | (WORD)(primary))
+#define MAKELCID(language, sort) \
+    ((DWORD)((((DWORD)((WORD)(sort))) << 16) | (DWORD)(WORD)(language)))

@@ -1,0 +1,54 @@
+// The registry below HKEY_CLASSES_ROOT: class identifiers, ProgIDs and types of file extensions.
+//
+// What is stored survives the process: it stands in $XDG_DATA_HOME/quorvane/registry or
+// ~/.local/share/quorvane/registry, which one process at a time writes. A key that names a file
+// extension (.pdf) and is not stored exists when the system's MIME database knows the extension,
+// and has one value, "Content Type".
+#pragma once
+
+#include "windef.h"
+
+#ifdef __cplusplus
+
+#define HKEY_CLASSES_ROOT ((HKEY)(ULONG_PTR)(LONG_PTR)(LONG)0x80000000)
+
+#define KEY_QUERY_VALUE 0x0001
+#define KEY_SET_VALUE 0x0002
+#define KEY_READ 0x20019
+#define KEY_WRITE 0x20006
+#define KEY_ALL_ACCESS 0xF003F
+#define REG_OPTION_NON_VOLATILE 0x00000000
+#define REG_CREATED_NEW_KEY 1
+#define REG_OPENED_EXISTING_KEY 2
+
+#define REG_SZ 1
+#define REG_EXPAND_SZ 2
+#define REG_DWORD 4
+
+typedef DWORD REGSAM;
+typedef struct _SECURITY_ATTRIBUTES* LPSECURITY_ATTRIBUTES;
+
+extern "C" {
+
+// All return ERROR_SUCCESS or an error number; they leave the last error alone. Names of keys and
+// values are compared without regard to the case of ASCII letters.
+// Differs from Windows: the kinds of access asked for are not checked.
+LSTATUS WINAPI RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result);
+LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR keyClass,
+                               DWORD options, REGSAM access, LPSECURITY_ATTRIBUTES security,
+                               PHKEY result, LPDWORD disposition);
+// A null or empty name means the key's default value. *size counts bytes. ERROR_MORE_DATA with
+// the needed size when the buffer is too small.
+LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data,
+                                LPDWORD size);
+LSTATUS WINAPI RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data,
+                              DWORD size);
+// Removes the subkey with everything below it.
+LSTATUS WINAPI RegDeleteTreeW(HKEY key, LPCWSTR subKey);
+// Removes a subkey that has no subkeys of its own.
+LSTATUS WINAPI RegDeleteKeyW(HKEY key, LPCWSTR subKey);
+LSTATUS WINAPI RegCloseKey(HKEY key);
+
+}  // extern "C"
+
+#endif

@@ -1,0 +1,141 @@
+#include "server/registration.h"
+
+#include <oleauto.h>
+
+#include "Quorvane.h"
+#include "automation/com_ptr.h"
+#include "automation/module.h"
+#include "automation/wide_string.h"
+#include "server/classes.h"
+#include "server/registry_entries.h"
+
+namespace quorvane {
+namespace {
+
+// Registry functions and the type library's registration read the thread's locale.
+class SystemLocale {
+public:
+    SystemLocale() : saved_(GetThreadLocale()) { SetThreadLocale(LOCALE_SYSTEM_DEFAULT); }
+    ~SystemLocale() { SetThreadLocale(saved_); }
+    SystemLocale(const SystemLocale&) = delete;
+    SystemLocale& operator=(const SystemLocale&) = delete;
+
+private:
+    LCID saved_;
+};
+
+// Full path of this library; empty when it can't be had.
+WideString ModulePath() {
+    constexpr std::size_t kLongestPath = 0x8000;
+    WideString path(MAX_PATH, WCHAR(0));
+    for (;;) {
+        const DWORD length =
+            GetModuleFileNameW(ModuleInstance(), path.data(), static_cast<DWORD>(path.size()));
+        if (length < path.size()) {
+            path.resize(length);
+            return path;
+        }
+        if (path.size() >= kLongestPath) return {};
+        path.resize(path.size() * 2);
+    }
+}
+
+WideString GuidText(REFGUID guid) {
+    constexpr int kCapacity = 40;
+    WCHAR text[kCapacity] = {};
+    StringFromGUID2(guid, text, kCapacity);
+    return text;
+}
+
+HRESULT StatusOf(LSTATUS error) {
+    return error == ERROR_SUCCESS ? S_OK : HRESULT_FROM_WIN32(static_cast<DWORD>(error));
+}
+
+HRESULT Write(const RegistryEntry& entry) {
+    HKEY key = nullptr;
+    LSTATUS error = RegCreateKeyExW(HKEY_CLASSES_ROOT, entry.key.c_str(), 0, nullptr,
+                                    REG_OPTION_NON_VOLATILE, KEY_WRITE, nullptr, &key, nullptr);
+    if (error != ERROR_SUCCESS) return StatusOf(error);
+    if (entry.data) {
+        const auto size = static_cast<DWORD>((entry.data->size() + 1) * sizeof(WCHAR));
+        error = RegSetValueExW(key, entry.name, 0, REG_SZ,
+                               reinterpret_cast<const BYTE*>(entry.data->c_str()), size);
+    }
+    RegCloseKey(key);
+    return StatusOf(error);
+}
+
+HRESULT WriteAll(const RegistryEntries& entries) {
+    for (const RegistryEntry& entry : entries) {
+        const HRESULT hr = Write(entry);
+        if (FAILED(hr)) return hr;
+    }
+    return S_OK;
+}
+
+HRESULT RemoveTree(const WideString& key) {
+    const LSTATUS error = RegDeleteTreeW(HKEY_CLASSES_ROOT, key.c_str());
+    return error == ERROR_FILE_NOT_FOUND ? S_OK : StatusOf(error);
+}
+
+bool KeyExists(const WideString& name) {
+    HKEY key = nullptr;
+    if (RegOpenKeyExW(HKEY_CLASSES_ROOT, name.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) {
+        return false;
+    }
+    RegCloseKey(key);
+    return true;
+}
+
+HRESULT RegisterTypeLibrary(const WideString& module) {
+    ComPtr<ITypeLib> library;
+    return LoadTypeLibEx(module.c_str(), REGKIND_REGISTER, library.Receive());
+}
+
+HRESULT UnregisterTypeLibrary(const WideString& module) {
+    ComPtr<ITypeLib> library;
+    HRESULT hr = LoadTypeLibEx(module.c_str(), REGKIND_NONE, library.Receive());
+    if (FAILED(hr)) return hr;
+    TLIBATTR* attributes = nullptr;
+    hr = library->GetLibAttr(&attributes);
+    if (FAILED(hr)) return hr;
+    // UnRegisterTypeLib has one status for a library that isn't registered and for a refusal.
+    if (KeyExists(OLESTR("TypeLib\\") + GuidText(attributes->guid))) {
+        hr = UnRegisterTypeLib(attributes->guid, attributes->wMajorVerNum, attributes->wMinorVerNum,
+                               attributes->lcid, attributes->syskind);
+    }
+    library->ReleaseTLibAttr(attributes);
+    return hr;
+}
+
+}  // namespace
+
+HRESULT RegisterServer() {
+    const SystemLocale locale;
+    const WideString module = ModulePath();
+    if (module.empty()) return HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND);
+    HRESULT hr = WriteAll(ApplicationEntries());
+    for (const CreatableClass& registered : kClasses) {
+        if (FAILED(hr)) return hr;
+        hr = WriteAll(ClassEntries(
+            registered, {GuidText(*registered.clsid), GuidText(LIBID_QuorvaneLib), module}));
+    }
+    return FAILED(hr) ? hr : RegisterTypeLibrary(module);
+}
+
+HRESULT UnregisterServer() {
+    const SystemLocale locale;
+    HRESULT first = S_OK;
+    const auto keep = [&first](HRESULT hr) {
+        if (FAILED(hr) && SUCCEEDED(first)) first = hr;
+    };
+    for (const CreatableClass& registered : kClasses) {
+        for (const WideString& key : ClassKeys(registered, GuidText(*registered.clsid))) {
+            keep(RemoveTree(key));
+        }
+    }
+    keep(UnregisterTypeLibrary(ModulePath()));
+    return first;
+}
+
+}  // namespace quorvane

@@ -1,0 +1,17 @@
+// What the library writes to the registry and removes from it.
+#pragma once
+
+#include <windows.h>
+
+namespace quorvane {
+
+// Registers the application identity, every class and the type library, in that order. Stops at
+// the first failure and returns its status. Registering again overwrites.
+HRESULT RegisterServer();
+
+// Removes the classes with everything below their keys, and the type library; what isn't there
+// is no failure. Goes on after a failure and returns the first one. The application identity
+// stays: an administrator may have set permissions on it.
+HRESULT UnregisterServer();
+
+}  // namespace quorvane

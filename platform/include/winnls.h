@@ -43,6 +43,11 @@ int WINAPI GetDateFormatW(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCW
 int WINAPI GetTimeFormatW(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCWSTR format,
                           LPWSTR text, int size);
 
+// The calling thread's locale; a new thread has LOCALE_USER_DEFAULT.
+// Differs from Windows: the locale has no influence on anything.
+LCID WINAPI GetThreadLocale();
+BOOL WINAPI SetThreadLocale(LCID locale);
+
 }  // extern "C"
 
 #endif

@@ -1,8 +1,8 @@
 // Owners of what COM hands out: interface references and automation strings.
 #pragma once
 
-#include <oleauto.h>
 #include <windows.h>
+#include <oleauto.h>
 
 #include <utility>
 

@@ -1,8 +1,9 @@
 // The base of every COM class here: identity, reference count, late binding, error-info support.
 #pragma once
 
-#include <oaidl.h>
 #include <windows.h>
+#include <oaidl.h>
+#include <ole2.h>
 
 #include <atomic>
 #include <new>

@@ -1,8 +1,8 @@
 // The component's own type information, through which late-bound calls go.
 #pragma once
 
-#include <oaidl.h>
 #include <windows.h>
+#include <oaidl.h>
 
 namespace quorvane {
 

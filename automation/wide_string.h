@@ -2,8 +2,8 @@
 // where it meets 8-bit text and automation strings.
 #pragma once
 
-#include <oleauto.h>
 #include <windows.h>
+#include <oleauto.h>
 
 #include <string>
 #include <string_view>

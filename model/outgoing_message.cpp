@@ -1,9 +1,11 @@
 #include "model/outgoing_message.h"
 
 #include <algorithm>
+#include <initializer_list>
 
 #include "model/growable.h"
 #include "model/mail_message.h"
+#include "model/utc_offset.h"
 
 namespace quorvane {
 namespace {
@@ -11,18 +13,6 @@ namespace {
 constexpr LONG kPriorityHigh = 2;
 constexpr LONG kPriorityNormal = 1;
 constexpr LONG kPriorityLow = 0;
-
-// The offset from UTC now in force, as a signed decimal of the form hhmm.
-LONG LocalUtcOffset() {
-    TIME_ZONE_INFORMATION zone{};
-    const DWORD inForce = GetTimeZoneInformation(&zone);
-    LONG bias = zone.Bias;  // minutes, UTC minus local time
-    if (inForce == TIME_ZONE_ID_STANDARD) bias += zone.StandardBias;
-    if (inForce == TIME_ZONE_ID_DAYLIGHT) bias += zone.DaylightBias;
-    const LONG hours = bias / 60;
-    const LONG minutes = bias - 60 * hours;
-    return -(100 * hours + minutes);
-}
 
 // The first of the names that is set; else the marker for UTF-8 when the text or the subject needs
 // it, else ISO 8859-1.

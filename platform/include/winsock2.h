@@ -5,6 +5,8 @@
 // source file includes either this header or the system's socket headers.
 #pragma once
 
+#include <sys/types.h>  // before its name u_long becomes a macro below
+
 #include "windows.h"
 
 namespace quorvane::winsock {

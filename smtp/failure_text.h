@@ -1,0 +1,43 @@
+// The words of every failure that a session reports, made in one place. Server names stand in them
+// exactly as the user gave them.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+#include "automation/wide_string.h"
+
+namespace quorvane {
+
+// The command that a failure came with; none while the greeting is awaited.
+using CommandView = std::optional<std::string_view>;
+
+// The command up to its line end, 40 bytes at most, each byte widened to one unit. The answers of
+// AUTH LOGIN show in their Base64 form, which hides nothing.
+WideString CommandExcerpt(std::string_view command);
+
+// Of a failed connect, send, receive or wait; `error` is the number of the socket error.
+WideString SocketErrorText(WideView server, int error);
+WideString SocketCreationText(int error);
+WideString UnresolvedServerText(WideView server);
+
+WideString NoReplyText(WideView server, CommandView command);
+WideString ClosedConnectionText(WideView server, CommandView command);
+WideString OverlongReplyText(WideView server, CommandView command);
+WideString ReplyWithoutCodeText(WideView server, CommandView command);
+// The peer stopped taking what is sent to it.
+WideString BlockedSendText(WideView server, std::string_view command);
+// The peer talks on and on without having been asked.
+WideString UnrequestedDataText(WideView server, std::string_view command);
+
+// A value that can't stand in a command line or be looked up; `what` names it. Control characters
+// show as '?'.
+WideString LineBreakText(WideView what, WideView value);
+WideString TooLongText(WideView what, WideView value, std::size_t limit);
+
+WideString WrongCredentialsText();
+WideString PeerClosedHandshakeText();
+WideString NoEncryptionText();
+
+}  // namespace quorvane

@@ -1,0 +1,46 @@
+#include "smtp/reply.h"
+
+#include <algorithm>
+
+namespace quorvane {
+namespace {
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+// No code begins with a zero, and one that did could pass for the 0 that means success.
+int LeadingCode(std::string_view text) {
+    if (text.size() < 3 || !std::all_of(text.begin(), text.begin() + 3, IsDigit) ||
+        text[0] == '0') {
+        return -1;
+    }
+    return (text[0] - '0') * 100 + (text[1] - '0') * 10 + (text[2] - '0');
+}
+
+}  // namespace
+
+bool IsCompleteReply(std::string_view received) {
+    constexpr std::size_t codeLength = 3;
+    const std::size_t end = received.rfind('\n');
+    if (end == std::string_view::npos || end <= codeLength) {
+        return false;
+    }
+    // The search starts before the line end's own two bytes.
+    const std::size_t previous = received.rfind('\n', end - 2);
+    const std::size_t start = previous == std::string_view::npos ? 0 : previous + 1;
+    const std::size_t mark = start + codeLength;
+    return mark >= received.size() || received[mark] != '-';
+}
+
+Reply ParseReply(std::string_view received) {
+    Reply reply;
+    reply.code = LeadingCode(received);
+    reply.text = FromAnsi(received);
+    reply.text.resize(TrimRight(reply.text).size());
+    // Callers take texts as automation strings, which many of them read up to a NUL.
+    std::replace(reply.text.begin(), reply.text.end(), WCHAR(0), WCHAR('?'));
+    return reply;
+}
+
+}  // namespace quorvane

@@ -1,0 +1,48 @@
+// A server's reply (RFC 5321 section 4.2) as a value.
+//
+// Nothing here knows a socket: the functions take bytes as they came, whatever the peer put into
+// them and wherever the stream was cut.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+#include "automation/wide_string.h"
+
+namespace quorvane {
+
+// Most bytes that all lines of one reply may have. RFC 5321 section 4.5.3.1.5 asks for 512 a line;
+// a peer that says more is not talking SMTP, and its session fails.
+inline constexpr std::size_t kReplyCapacity = 2048;
+
+// True when the last line that the bytes end is the last line of a reply, which is one without a
+// hyphen behind the code. Bytes behind that line's end don't matter.
+bool IsCompleteReply(std::string_view received);
+
+struct Reply {
+    // The code of the first line, 100 to 999; -1 when the bytes don't begin with one.
+    int code = -1;
+    // All lines as they came, in the ANSI code page, without trailing white space. NULs show as
+    // '?'.
+    WideString text;
+};
+Reply ParseReply(std::string_view received);
+
+// Collects the bytes of one reply.
+class ReplyBuffer {
+public:
+    // The room that is left; Add counts the bytes that were put there.
+    std::span<char> room() { return std::span(m_bytes).subspan(m_size); }
+    void Add(std::size_t count) { m_size += count; }
+
+    std::string_view bytes() const { return {m_bytes.data(), m_size}; }
+    bool full() const { return m_size == m_bytes.size(); }
+
+private:
+    std::array<char, kReplyCapacity> m_bytes;
+    std::size_t m_size = 0;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,184 @@
+#include "smtp/socket_connection.h"
+
+#include <ws2tcpip.h>
+
+#include <algorithm>
+#include <climits>
+#include <string>
+
+namespace quorvane {
+namespace {
+
+constexpr USHORT kSmtpPort = 25;
+
+// No single call waits longer, so that whoever has to look at something else meanwhile gets the
+// chance twice a second and more.
+constexpr Milliseconds kWaitStep{400};
+
+// Systems give up well before (21 to 127 seconds); this only keeps a silent one from lasting.
+constexpr Milliseconds kConnectLimit{180'000};
+
+}  // namespace
+
+void StartSockets() {
+    WSADATA data;
+    WSAStartup(0x0002, &data);
+}
+
+USHORT DefaultSmtpPort() {
+    static const USHORT port = [] {
+        const servent* const service = getservbyname("SMTP", "tcp");
+        return service ? static_cast<USHORT>(service->s_port) : htons(kSmtpPort);
+    }();
+    return port;
+}
+
+bool ResolveServer(const WideString& server, in_addr& address) {
+    const std::string name = ToAnsi(server);
+    // Some resolvers answer an empty name with an address of this computer.
+    if (name.empty() || name.find('\0') != std::string::npos) {
+        return false;
+    }
+    if (inet_pton(AF_INET, name.c_str(), &address) == 1) {
+        return true;
+    }
+    addrinfo hints{};
+    hints.ai_family = AF_INET;
+    hints.ai_socktype = SOCK_STREAM;
+    hints.ai_protocol = IPPROTO_TCP;
+    addrinfo* found = nullptr;
+    const bool resolved = getaddrinfo(name.c_str(), nullptr, &hints, &found) == 0 && found;
+    if (resolved) {
+        address = reinterpret_cast<const sockaddr_in*>(found->ai_addr)->sin_addr;
+        freeaddrinfo(found);
+    }
+    return resolved;
+}
+
+SocketStatus SocketConnection::Open() {
+    Close();
+    m_socket = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+    if (!IsOpen()) {
+        return Fail();
+    }
+    u_long nonBlocking = 1;
+    if (ioctlsocket(m_socket, FIONBIO, &nonBlocking) != 0) {
+        return Fail();
+    }
+    // Every send is a whole command or as much of the message as fits: nothing is gained by
+    // holding a segment back until the peer has acknowledged the one before.
+    const int noDelay = 1;
+    setsockopt(m_socket, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&noDelay),
+               sizeof noDelay);
+    return SocketStatus::Done;
+}
+
+SocketStatus SocketConnection::Connect(const in_addr& address, USHORT port) {
+    sockaddr_in peer{};
+    peer.sin_family = AF_INET;
+    peer.sin_port = port;
+    peer.sin_addr = address;
+    if (connect(m_socket, reinterpret_cast<const sockaddr*>(&peer), sizeof peer) == 0) {
+        return SocketStatus::Done;
+    }
+    if (WSAGetLastError() != WSAEWOULDBLOCK) {
+        return Fail();
+    }
+    for (const Stopwatch watch; watch.elapsed() < kConnectLimit;) {
+        const SocketStatus status = Wait(POLLOUT, kWaitStep);
+        if (status == SocketStatus::Failed) {
+            return status;
+        }
+        // Asked for after every step, since some systems never report a failed connect as ready.
+        if (const int error = TakePendingError()) {
+            return Fail(error);
+        }
+        if (status == SocketStatus::Done) {
+            return status;
+        }
+    }
+    return Fail(WSAETIMEDOUT);
+}
+
+void SocketConnection::Close() {
+    if (!IsOpen()) {
+        return;
+    }
+    shutdown(m_socket, SD_BOTH);
+    closesocket(m_socket);
+    m_socket = INVALID_SOCKET;
+    WSASetLastError(0);
+}
+
+SocketStatus SocketConnection::Wait(SHORT events, Milliseconds limit) {
+    const Stopwatch watch;
+    for (;;) {
+        const Milliseconds step = std::clamp(limit - watch.elapsed(), Milliseconds{0}, kWaitStep);
+        WSAPOLLFD entry{};
+        entry.fd = m_socket;
+        entry.events = events;
+        const int ready = WSAPoll(&entry, 1, static_cast<INT>(step.count()));
+        if (ready < 0) {
+            return Fail();
+        }
+        if (ready > 0) {
+            return SocketStatus::Done;
+        }
+        if (watch.elapsed() >= limit) {
+            return SocketStatus::TimedOut;
+        }
+    }
+}
+
+SocketStatus SocketConnection::Receive(std::span<char> buffer, std::size_t& count, int flags) {
+    count = 0;
+    const int size = static_cast<int>(std::min<std::size_t>(buffer.size(), INT_MAX));
+    const int received = recv(m_socket, buffer.data(), size, flags);
+    if (received > 0) {
+        count = static_cast<std::size_t>(received);
+        return SocketStatus::Done;
+    }
+    if (received == 0) {
+        return SocketStatus::Closed;
+    }
+    return WSAGetLastError() == WSAEWOULDBLOCK ? SocketStatus::TimedOut : Fail();
+}
+
+SocketStatus SocketConnection::Send(std::string_view bytes, Milliseconds limit) {
+    while (!bytes.empty()) {
+        const int sent = send(m_socket, bytes.data(), static_cast<int>(bytes.size()), 0);
+        if (sent >= 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(sent));
+            continue;
+        }
+        if (WSAGetLastError() != WSAEWOULDBLOCK) {
+            return Fail();
+        }
+        const SocketStatus status = WaitWritable(limit);
+        if (status != SocketStatus::Done) {
+            return status;
+        }
+    }
+    return SocketStatus::Done;
+}
+
+int SocketConnection::TakePendingError() {
+    int error = 0;
+    int size = sizeof error;
+    const int result =
+        getsockopt(m_socket, SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&error), &size);
+    return result == 0 ? error : WSAGetLastError();
+}
+
+SocketStatus SocketConnection::Fail() {
+    return Fail(WSAGetLastError());
+}
+
+// Clears the thread's last socket error, which a later failure must not inherit.
+SocketStatus SocketConnection::Fail(int error) {
+    m_error = error;
+    WSASetLastError(0);
+    return SocketStatus::Failed;
+}
+
+}  // namespace quorvane

@@ -1,0 +1,90 @@
+// The plain TCP connection under a session: IPv4 only, one socket, every wait with a limit.
+//
+// The socket doesn't block: calls that would are preceded by a wait for readiness, so that all
+// waiting happens in one function. No signal, socket default or resolver state of the process is
+// changed.
+#pragma once
+
+#include <winsock2.h>
+
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+#include "automation/wide_string.h"
+#include "smtp/stopwatch.h"
+
+namespace quorvane {
+
+// Starts the socket library, which stays started. A failure shows when a socket is made.
+void StartSockets();
+
+// The port of the service "SMTP" in the system's table, else 25; in network byte order.
+USHORT DefaultSmtpPort();
+
+// Longest server name that can be looked up, in bytes of the ANSI code page.
+inline constexpr std::size_t kMaxServerNameLength = 271;
+
+// A dotted address as it stands, or the first IPv4 address that the resolver gives for the name.
+// False when there is none, for an empty name and for one that holds a NUL.
+bool ResolveServer(const WideString& server, in_addr& address);
+
+// Outcome of one operation on the socket.
+enum class SocketStatus {
+    Done,
+    TimedOut,  // nothing happened within the limit
+    Closed,    // the peer sends no more
+    Failed,    // error() has the number
+};
+
+class SocketConnection {
+public:
+    SocketConnection() = default;
+    ~SocketConnection() { Close(); }
+    SocketConnection(const SocketConnection&) = delete;
+    SocketConnection& operator=(const SocketConnection&) = delete;
+
+    bool IsOpen() const { return m_socket != INVALID_SOCKET; }
+
+    // Makes the socket, in place of one that is open: Done or Failed.
+    SocketStatus Open();
+    // Connects the socket, which takes as long as the system lets it: Done or Failed. A socket that
+    // couldn't be connected stays open until Close.
+    SocketStatus Connect(const in_addr& address, USHORT port);
+    // Shuts both directions down and closes the socket, if it is open.
+    void Close();
+
+    // Wait until the socket can be read, or written, without blocking: Done, TimedOut or Failed. A
+    // closed or broken connection counts as ready, and the next operation tells which it is.
+    SocketStatus WaitReadable(Milliseconds limit) { return Wait(POLLIN, limit); }
+    SocketStatus WaitWritable(Milliseconds limit) { return Wait(POLLOUT, limit); }
+
+    // Takes what has arrived, at most the buffer's size; never waits. Done with a count above 0,
+    // TimedOut when nothing has arrived, Closed or Failed.
+    SocketStatus Receive(std::span<char> buffer, std::size_t& count) {
+        return Receive(buffer, count, 0);
+    }
+    // The same, but leaves the bytes to be received again.
+    SocketStatus Peek(std::span<char> buffer, std::size_t& count) {
+        return Receive(buffer, count, MSG_PEEK);
+    }
+
+    // Sends all bytes, at most 2 GiB: Done, Failed, or TimedOut when the peer took none of them for
+    // as long as the limit.
+    SocketStatus Send(std::string_view bytes, Milliseconds limit);
+
+    // Number of the error of the last operation that Failed.
+    int error() const { return m_error; }
+
+private:
+    SocketStatus Wait(SHORT events, Milliseconds limit);
+    SocketStatus Receive(std::span<char> buffer, std::size_t& count, int flags);
+    int TakePendingError();
+    SocketStatus Fail();
+    SocketStatus Fail(int error);
+
+    SOCKET m_socket = INVALID_SOCKET;
+    int m_error = 0;
+};
+
+}  // namespace quorvane

@@ -1,0 +1,310 @@
+#include "code_page.h"
+
+#include <winerror.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace quorvane::platform {
+namespace {
+
+constexpr char16_t kReplacement = 0xFFFD;
+
+// Where the code page Windows-1252 differs from ISO 8859-1: the bytes 80 to 9F. The five that the
+// code page doesn't define stand for themselves, as they do on Windows.
+constexpr std::array<char16_t, 32> kWindows1252 = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+constexpr std::size_t kBlock = 32;  // units; loops of a known length become vector instructions
+
+// The length of the leading ASCII run, rounded down to whole blocks.
+template <class Unit>
+std::size_t AsciiBlocks(std::basic_string_view<Unit> text) {
+    std::size_t done = 0;
+    for (; text.size() - done >= kBlock; done += kBlock) {
+        unsigned all = 0;
+        for (std::size_t i = 0; i < kBlock; ++i) {
+            all |= static_cast<
+                std::make_unsigned_t<std::conditional_t<sizeof(Unit) == 1, char, short>>>(
+                text[done + i]);
+        }
+        if (all >= 0x80) break;
+    }
+    return done;
+}
+
+// Receives converted units: writes them, or only counts them when there is no buffer.
+template <class Unit>
+class Output {
+public:
+    Output(Unit* data, std::size_t room) : data_(data), room_(room) {}
+
+    void Put(Unit unit) {
+        if (room_ != 0) {
+            if (count_ < room_) data_[count_] = unit;
+        }
+        ++count_;
+    }
+
+    template <class Source>
+    void PutAscii(const Source* source, std::size_t size) {
+        if (room_ != 0 && count_ < room_) {
+            const std::size_t fits = std::min(size, room_ - count_);
+            Unit* const out = data_ + count_;
+            for (std::size_t i = 0; i < fits; ++i) out[i] = static_cast<Unit>(source[i]);
+        }
+        count_ += size;
+    }
+
+    std::size_t count() const { return count_; }
+
+private:
+    Unit* data_;
+    std::size_t room_;
+    std::size_t count_ = 0;
+};
+
+constexpr bool IsHighSurrogate(char16_t c) {
+    return (c & 0xFC00) == 0xD800;
+}
+constexpr bool IsLowSurrogate(char16_t c) {
+    return (c & 0xFC00) == 0xDC00;
+}
+
+void PutUtf8(char32_t c, Output<char>& out) {
+    if (c < 0x80) {
+        out.Put(static_cast<char>(c));
+        return;
+    }
+    const int following = c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
+    constexpr char32_t kLead[] = {0, 0xC0, 0xE0, 0xF0};
+    out.Put(static_cast<char>(kLead[following] | c >> (6 * following)));
+    for (int i = following - 1; i >= 0; --i) {
+        out.Put(static_cast<char>(0x80 | (c >> (6 * i) & 0x3F)));
+    }
+}
+
+// True when every surrogate was one of a pair.
+bool EncodeUtf8(std::u16string_view text, Output<char>& out) {
+    bool sound = true;
+    for (std::size_t i = 0; i < text.size();) {
+        if (const std::size_t run = AsciiBlocks(text.substr(i)); run != 0) {
+            out.PutAscii(text.data() + i, run);
+            i += run;
+            continue;
+        }
+        // After a block with something else in it, the rest of the block goes unit by unit.
+        for (const std::size_t end = std::min(text.size(), i + kBlock); i < end; ++i) {
+            char32_t c = text[i];
+            if (IsHighSurrogate(text[i]) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
+                c = 0x10000 + ((c & 0x3FF) << 10) + (text[++i] & 0x3FFu);
+            } else if ((c & 0xF800) == 0xD800) {
+                c = kReplacement;
+                sound = false;
+            }
+            PutUtf8(c, out);
+        }
+    }
+    return sound;
+}
+
+// What a lead byte of UTF-8 promises (Unicode, table 3-7): the number of bytes that follow, and the
+// range of the first of them.
+struct Lead {
+    int following;
+    unsigned char low, high;
+};
+
+constexpr Lead LeadOf(unsigned char c) {
+    if (c >= 0xC2 && c <= 0xDF) return {1, 0x80, 0xBF};
+    if (c == 0xE0) return {2, 0xA0, 0xBF};
+    if (c == 0xED) return {2, 0x80, 0x9F};
+    if (c >= 0xE1 && c <= 0xEF) return {2, 0x80, 0xBF};
+    if (c == 0xF0) return {3, 0x90, 0xBF};
+    if (c >= 0xF1 && c <= 0xF3) return {3, 0x80, 0xBF};
+    if (c == 0xF4) return {3, 0x80, 0x8F};
+    return {0, 0, 0};
+}
+
+// Decodes the character at the front, which isn't ASCII, and returns how many bytes it took. A
+// malformed sequence ends before the first byte that can't continue it, and is one U+FFFD.
+std::size_t DecodeUtf8(std::string_view bytes, char32_t& c) {
+    const auto first = static_cast<unsigned char>(bytes[0]);
+    Lead lead = LeadOf(first);
+    c = kReplacement;
+    if (lead.following == 0) return 1;
+    char32_t value = first & (0x3F >> lead.following);
+    std::size_t used = 1;
+    for (int left = lead.following; left > 0; --left, ++used) {
+        if (used == bytes.size()) return used;
+        const auto next = static_cast<unsigned char>(bytes[used]);
+        if (next < lead.low || next > lead.high) return used;
+        lead.low = 0x80;
+        lead.high = 0xBF;
+        value = value << 6 | (next & 0x3F);
+    }
+    c = value;
+    return used;
+}
+
+// True when all of it was well-formed.
+bool DecodeUtf8(std::string_view bytes, Output<char16_t>& out) {
+    bool sound = true;
+    for (std::size_t i = 0; i < bytes.size();) {
+        if (const std::size_t run = AsciiBlocks(bytes.substr(i)); run != 0) {
+            out.PutAscii(bytes.data() + i, run);
+            i += run;
+            continue;
+        }
+        for (const std::size_t end = std::min(bytes.size(), i + kBlock); i < end;) {
+            if (static_cast<unsigned char>(bytes[i]) < 0x80) {
+                out.Put(static_cast<char16_t>(bytes[i++]));
+                continue;
+            }
+            char32_t c;
+            const std::size_t used = DecodeUtf8(bytes.substr(i), c);
+            // U+FFFD itself has three bytes and its own lead byte.
+            if (c == kReplacement && bytes.substr(i, used) != "\xEF\xBF\xBD") sound = false;
+            i += used;
+            if (c >= 0x10000) {
+                out.Put(static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10)));
+                c = 0xDC00 + (c & 0x3FF);
+            }
+            out.Put(static_cast<char16_t>(c));
+        }
+    }
+    return sound;
+}
+
+void DecodeWindows1252(std::string_view bytes, Output<char16_t>& out) {
+    for (const char byte : bytes) {
+        const auto c = static_cast<unsigned char>(byte);
+        out.Put(c >= 0x80 && c < 0xA0 ? kWindows1252[c - 0x80] : char16_t{c});
+    }
+}
+
+// The byte for a character above 7F; false when the code page has none.
+bool Windows1252Byte(char16_t c, char& byte) {
+    if (c >= 0xA0 && c <= 0xFF) {
+        byte = static_cast<char>(c);
+        return true;
+    }
+    const auto found = std::find(kWindows1252.begin(), kWindows1252.end(), c);
+    byte = static_cast<char>(0x80 + (found - kWindows1252.begin()));
+    return found != kWindows1252.end();
+}
+
+// True when the default character stands for something.
+bool EncodeWindows1252(std::u16string_view text, char defaultChar, Output<char>& out) {
+    bool usedDefault = false;
+    for (std::size_t i = 0; i < text.size();) {
+        if (const std::size_t run = AsciiBlocks(text.substr(i)); run != 0) {
+            out.PutAscii(text.data() + i, run);
+            i += run;
+            continue;
+        }
+        for (const std::size_t end = std::min(text.size(), i + kBlock); i < end; ++i) {
+            char byte = static_cast<char>(text[i]);
+            if (text[i] >= 0x80 && !Windows1252Byte(text[i], byte)) {
+                byte = defaultChar;
+                usedDefault = true;
+            }
+            out.Put(byte);
+        }
+    }
+    return usedDefault;
+}
+
+int Fail(DWORD error) {
+    SetLastError(error);
+    return 0;
+}
+
+// The return value of a conversion that made `count` units for a buffer of `room`.
+int Finish(std::size_t count, int room) {
+    if (count > INT32_MAX) return Fail(ERROR_INVALID_PARAMETER);
+    if (room != 0 && count > static_cast<std::size_t>(room)) return Fail(ERROR_INSUFFICIENT_BUFFER);
+    return static_cast<int>(count);
+}
+
+// The text that a pointer and a size name; a negative size takes it up to and with its NUL.
+template <class Unit>
+std::basic_string_view<Unit> Input(const Unit* text, int size) {
+    if (size >= 0) return {text, static_cast<std::size_t>(size)};
+    return {text, std::char_traits<Unit>::length(text) + 1};
+}
+
+}  // namespace
+
+bool ToUtf8(std::u16string_view text, std::string& out) {
+    Output<char> count(nullptr, 0);
+    const bool sound = EncodeUtf8(text, count);
+    out.resize(count.count());
+    Output<char> written(out.data(), out.size());
+    EncodeUtf8(text, written);
+    return sound;
+}
+
+std::u16string FromUtf8(std::string_view bytes) {
+    Output<char16_t> count(nullptr, 0);
+    DecodeUtf8(bytes, count);
+    std::u16string out(count.count(), u'\0');
+    Output<char16_t> written(out.data(), out.size());
+    DecodeUtf8(bytes, written);
+    return out;
+}
+
+}  // namespace quorvane::platform
+
+using namespace quorvane::platform;
+
+int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWCH wide, int wideSize, LPSTR bytes,
+                        int byteSize, LPCCH defaultChar, LPBOOL usedDefaultChar) {
+    const bool utf8 = codePage == CP_UTF8;
+    if (!utf8 && codePage != CP_ACP && codePage != CP_THREAD_ACP) {
+        return Fail(ERROR_INVALID_PARAMETER);
+    }
+    if (!wide || wideSize == 0 || byteSize < 0 || (byteSize != 0 && !bytes) ||
+        (utf8 && (defaultChar || usedDefaultChar))) {
+        return Fail(ERROR_INVALID_PARAMETER);
+    }
+    const DWORD allowed = utf8 ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS;
+    if (flags & ~allowed) return Fail(ERROR_INVALID_FLAGS);
+    const std::u16string_view text = Input(wide, wideSize);
+    Output<char> out(bytes, static_cast<std::size_t>(byteSize));
+    if (utf8) {
+        if (!EncodeUtf8(text, out) && (flags & WC_ERR_INVALID_CHARS)) {
+            return Fail(ERROR_NO_UNICODE_TRANSLATION);
+        }
+    } else {
+        const bool used = EncodeWindows1252(text, defaultChar ? *defaultChar : '?', out);
+        if (usedDefaultChar) *usedDefaultChar = used;
+    }
+    return Finish(out.count(), byteSize);
+}
+
+int MultiByteToWideChar(UINT codePage, DWORD flags, LPCCH bytes, int byteSize, LPWSTR wide,
+                        int wideSize) {
+    const bool utf8 = codePage == CP_UTF8;
+    if (!utf8 && codePage != CP_ACP && codePage != CP_THREAD_ACP) {
+        return Fail(ERROR_INVALID_PARAMETER);
+    }
+    if (!bytes || byteSize == 0 || wideSize < 0 || (wideSize != 0 && !wide)) {
+        return Fail(ERROR_INVALID_PARAMETER);
+    }
+    const DWORD allowed = utf8 ? MB_ERR_INVALID_CHARS : MB_ERR_INVALID_CHARS | MB_PRECOMPOSED;
+    if (flags & ~allowed) return Fail(ERROR_INVALID_FLAGS);
+    const std::string_view text = Input(bytes, byteSize);
+    Output<char16_t> out(wide, static_cast<std::size_t>(wideSize));
+    if (utf8) {
+        if (!DecodeUtf8(text, out) && (flags & MB_ERR_INVALID_CHARS)) {
+            return Fail(ERROR_NO_UNICODE_TRANSLATION);
+        }
+    } else {
+        DecodeWindows1252(text, out);
+    }
+    return Finish(out.count(), wideSize);
+}

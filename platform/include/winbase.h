@@ -6,20 +6,12 @@
 #ifdef __cplusplus
 
 #define GENERIC_READ 0x80000000u
-#define GENERIC_WRITE 0x40000000u
 #define FILE_SHARE_READ 0x00000001
-#define FILE_SHARE_WRITE 0x00000002
-#define FILE_SHARE_DELETE 0x00000004
-#define CREATE_NEW 1
-#define CREATE_ALWAYS 2
 #define OPEN_EXISTING 3
-#define OPEN_ALWAYS 4
-#define FILE_ATTRIBUTE_READONLY 0x00000001
 #define FILE_ATTRIBUTE_DIRECTORY 0x00000010
 #define FILE_ATTRIBUTE_NORMAL 0x00000080
 #define FILE_FLAG_SEQUENTIAL_SCAN 0x08000000
 #define INVALID_FILE_ATTRIBUTES ((DWORD)-1)
-#define INVALID_FILE_SIZE ((DWORD)0xFFFFFFFF)
 
 typedef struct _SECURITY_ATTRIBUTES* LPSECURITY_ATTRIBUTES;
 typedef struct _OVERLAPPED* LPOVERLAPPED;
@@ -31,25 +23,24 @@ extern "C" {
 DWORD WINAPI GetLastError();
 void WINAPI SetLastError(DWORD error);
 
-// Opens or creates a file for reading, writing or both. Both '\' and '/' separate path names, and
-// a drive such as C: names the root directory. INVALID_HANDLE_VALUE with the last error set on
-// failure; a directory gives ERROR_ACCESS_DENIED. Share modes are kept between all opens through
-// this function, in this process and in others.
-// Differs from Windows: programs that open the file in another way are not kept out; names are
-// case-sensitive, as the file system is; attributes and flags other than a hint are ignored.
+// Opens an existing file for reading: GENERIC_READ and OPEN_EXISTING. Both '\\' and '/' separate
+// path names, and a drive such as C: names the root directory. INVALID_HANDLE_VALUE with the last
+// error set on failure; a directory gives ERROR_ACCESS_DENIED. The share mode is kept against all
+// other opens through this function, in this process and in others (ERROR_SHARING_VIOLATION).
+// Differs from Windows: other accesses and dispositions give ERROR_INVALID_PARAMETER, since the
+// product writes no files; programs that open the file in another way are not kept out; names are
+// case-sensitive, as the file system is; what is no regular file gives ERROR_ACCESS_DENIED.
 HANDLE WINAPI CreateFileW(LPCWSTR name, DWORD access, DWORD shareMode,
                           LPSECURITY_ATTRIBUTES security, DWORD disposition, DWORD flags,
                           HANDLE templateFile);
 
 // Reads up to `size` bytes from the file position on; 0 bytes and success at the end of the file.
 BOOL WINAPI ReadFile(HANDLE file, LPVOID buffer, DWORD size, LPDWORD read, LPOVERLAPPED overlapped);
-BOOL WINAPI WriteFile(HANDLE file, LPCVOID buffer, DWORD size, LPDWORD written,
-                      LPOVERLAPPED overlapped);
 BOOL WINAPI GetFileSizeEx(HANDLE file, PLARGE_INTEGER size);
-DWORD WINAPI GetFileSize(HANDLE file, LPDWORD sizeHigh);
 BOOL WINAPI CloseHandle(HANDLE object);
 
-BOOL WINAPI DeleteFileW(LPCWSTR name);
+// FILE_ATTRIBUTE_DIRECTORY or FILE_ATTRIBUTE_NORMAL; INVALID_FILE_ATTRIBUTES and the last error
+// when there is no such file. Differs from Windows: there are no other attributes.
 DWORD WINAPI GetFileAttributesW(LPCWSTR name);
 
 #define DLL_PROCESS_DETACH 0
@@ -96,7 +87,7 @@ void WINAPI GetLocalTime(LPSYSTEMTIME time);
 
 // The zone of this process (TZ, or the system's) and which of its times is in force:
 // TIME_ZONE_ID_UNKNOWN for a zone without daylight time.
-// Differs from Windows: the two dates stay zero, since no caller computes the change.
+// Differs from Windows: names and dates stay empty, since no caller shows or computes them.
 DWORD WINAPI GetTimeZoneInformation(LPTIME_ZONE_INFORMATION zone);
 
 // Milliseconds since the system was started.

@@ -1,0 +1,163 @@
+#include "cli/message_builder.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+namespace quorvane::cli {
+
+namespace {
+
+using client::Bstr;
+using client::Check;
+using client::ComPtr;
+using client::Create;
+
+// The component's name for UTF-8. Any other character set that it is given is a label for text
+// whose UTF-16 units it reduces to their low bytes.
+constexpr std::string_view kUnicode = "unicode";
+
+bool EqualIgnoreCase(std::string_view a, std::string_view b) {
+    return std::ranges::equal(a, b, [](char x, char y) {
+        const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? char(c + 32) : c; };
+        return lower(x) == lower(y);
+    });
+}
+
+bool IsUtf8(std::string_view charset) {
+    return EqualIgnoreCase(charset, "utf-8") || EqualIgnoreCase(charset, "utf8");
+}
+
+// Text whose units are the bytes themselves: UTF-8 for a place where the component writes low
+// bytes and labels them "utf-8".
+Bstr Widened(std::string_view bytes) {
+    return Bstr(
+        std::u16string(reinterpret_cast<const unsigned char*>(bytes.data()),
+                       reinterpret_cast<const unsigned char*>(bytes.data()) + bytes.size()));
+}
+
+// Character sets of the parts and of header text, as the component takes them.
+class Charsets {
+public:
+    explicit Charsets(const Options& options)
+        : body_(Named(options.charset)), alternative_(Named(options.alternativeCharset)) {
+        if (!options.bodyFile.empty()) {
+            // The file's bytes go out as they are, under a label that must be a true name.
+            if (body_.empty() || body_ == kUnicode) body_ = "utf-8";
+            headerIsBytes_ = IsUtf8(body_);
+            if (alternative_.empty() && headerIsBytes_) alternative_ = kUnicode;
+        }
+        if (alternative_.empty()) alternative_ = body_;
+        // Header text goes by the last part that isn't in the default character set.
+        header_ = HasOwn(body_) || options.alternative.empty() ? body_ : alternative_;
+        if (!HasOwn(header_)) header_ = kUnicode;
+    }
+
+    const std::string& body() const { return body_; }
+    const std::string& alternative() const { return alternative_; }
+
+    // A subject, display name or file name.
+    Bstr HeaderText(const std::string& text) const {
+        if (headerIsBytes_) return Widened(text);
+        return Text(text, header_);
+    }
+
+    // Text for a place where the component writes the named character set. An empty name lets the
+    // component choose one that fits.
+    static Bstr Text(const std::string& text, const std::string& charset) {
+        const std::u16string wide = client::ToUtf16(text);
+        const bool fits = charset.empty() || charset == kUnicode ||
+                          std::ranges::all_of(wide, [](char16_t unit) { return unit <= 0xFF; });
+        if (!fits) {
+            throw UsageError("The message holds characters that the character set " + charset +
+                             " lacks; use utf-8.");
+        }
+        return Bstr(wide);
+    }
+
+private:
+    static std::string Named(const std::string& charset) {
+        return IsUtf8(charset) || EqualIgnoreCase(charset, kUnicode) ? std::string(kUnicode)
+                                                                     : charset;
+    }
+    static bool HasOwn(const std::string& charset) {
+        return !charset.empty() && !EqualIgnoreCase(charset, "iso-8859-1");
+    }
+
+    std::string body_;
+    std::string alternative_;
+    std::string header_;
+    bool headerIsBytes_ = false;
+};
+
+ComPtr<IMailAddress> MakeAddress(const Address& address, const Charsets& charsets) {
+    auto object = Create<IMailAddress>();
+    Check(object->put_Name(charsets.HeaderText(address.name)), object);
+    Check(object->put_Address(Bstr(address.address)), object);
+    return object;
+}
+
+void AddFile(const FileArgument& file, const Charsets& charsets,
+             const ComPtr<IMailMessage>& message) {
+    auto object = Create<IMailAttachment>();
+    Check(object->put_File(Bstr(file.file)), object);
+    Check(object->put_Name(charsets.HeaderText(file.name)), object);
+    Check(object->put_ContentType(Bstr(file.contentType)), object);
+    Check(object->put_Charset(Bstr(file.charset)), object);
+    if (!file.contentId.empty()) {
+        Check(object->put_Inline(VARIANT_TRUE), object);
+        Check(object->put_ContentId(Bstr(file.contentId)), object);
+    }
+    Check(message->AddAttachment(object), message);
+}
+
+void SetAddresses(const Options& options, const Charsets& charsets,
+                  const ComPtr<IMailMessage>& message) {
+    Check(message->put_Sender(MakeAddress(options.from, charsets)), message);
+    if (!options.replyTo.address.empty()) {
+        Check(message->put_ReplyTo(MakeAddress(options.replyTo, charsets)), message);
+    }
+    for (const Address& to : options.to) {
+        Check(message->AddRecipient(MakeAddress(to, charsets)), message);
+    }
+    for (const Address& cc : options.cc) {
+        Check(message->AddCcRecipient(MakeAddress(cc, charsets)), message);
+    }
+    for (const Address& bcc : options.bcc) {
+        Check(message->AddBccRecipient(MakeAddress(bcc, charsets)), message);
+    }
+}
+
+void SetBodies(const Options& options, const Charsets& charsets,
+               const ComPtr<IMailMessage>& message) {
+    Check(message->put_MessageBodyFormat(options.html ? MailFormatHtml : MailFormatText), message);
+    Check(message->put_MessageBody(Charsets::Text(options.body, charsets.body())), message);
+    Check(message->put_MessageBodyFile(Bstr(options.bodyFile)), message);
+    Check(message->put_MessageBodyCharset(Bstr(charsets.body())), message);
+    Check(message->put_MessageBodyEncoding(options.encoding), message);
+    Check(message->put_AltMessageBody(Charsets::Text(options.alternative, charsets.alternative())),
+          message);
+    Check(message->put_AltMessageBodyCharset(Bstr(charsets.alternative())), message);
+    Check(message->put_AltMessageBodyEncoding(options.encoding), message);
+}
+
+}  // namespace
+
+ComPtr<IMailMessage> BuildMessage(const Options& options) {
+    const Charsets charsets(options);
+    auto message = Create<IMailMessage>();
+    SetAddresses(options, charsets, message);
+    Check(message->put_MessageSubject(charsets.HeaderText(options.subject)), message);
+    Check(message->put_MessageId(Bstr(options.messageId)), message);
+    Check(message->put_MessagePriority(options.priority), message);
+    Check(message->put_RequestReadReceipt(options.readReceipt ? VARIANT_TRUE : VARIANT_FALSE),
+          message);
+    for (const Header& header : options.headers) {
+        Check(message->AddHeader(Bstr(header.name), Bstr(header.value)), message);
+    }
+    SetBodies(options, charsets, message);
+    for (const FileArgument& file : options.files) AddFile(file, charsets, message);
+    return message;
+}
+
+}  // namespace quorvane::cli

@@ -1,0 +1,245 @@
+#include "cli/options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <map>
+
+#include "cli/text_input.h"
+
+namespace quorvane::cli {
+
+namespace {
+
+// Values as they stand on the command line.
+struct Raw {
+    std::string server, from, replyTo, messageId, passwordFile;
+    std::vector<std::string> to, cc, bcc, attach, inlined, headers;
+    std::string text, textFile, html, htmlFile, alternative;
+    std::string priority = "normal";
+    std::string encoding = "default";
+    std::string later;  // an option that was given but comes with a later version
+};
+
+const std::map<std::string, MailEncoding> kEncodings = {{"default", MailEncodingDefault},
+                                                        {"7bit", MailEncoding7Bit},
+                                                        {"8bit", MailEncoding8Bit},
+                                                        {"qp", MailEncodingQuotedPrintable},
+                                                        {"base64", MailEncodingBase64}};
+const std::map<std::string, MailPriority> kPriorities = {
+    {"high", MailPriorityHigh}, {"normal", MailPriorityNormal}, {"low", MailPriorityLow}};
+
+constexpr std::string_view kStandardInput = "-";
+
+template <typename Value>
+CLI::Option* AddValue(CLI::App& app, const char* name, Value& value, const char* type,
+                      const char* help) {
+    return app.add_option(name, value, help)->type_name(type);
+}
+
+// An option that may be given several times, each time with one value.
+void AddList(CLI::App& app, const char* name, std::vector<std::string>& values, const char* type,
+             const char* help) {
+    AddValue(app, name, values, type, help)->allow_extra_args(false);
+}
+
+void AddLater(CLI::App& app, Raw& raw, const char* name, const char* help) {
+    app.add_flag_callback(
+        name, [&raw, name] { raw.later = name; }, help);
+}
+
+void DefineServer(CLI::App& app, Options& options, Raw& raw) {
+    app.option_defaults()->group("Server");
+    AddValue(app, "--server", raw.server, "HOST[:PORT]", "Mail server to send through, port 25");
+    AddLater(app, raw, "--direct", "Deliver to the recipients' own servers (not available yet)");
+    auto* user = AddValue(app, "--user", options.user, "NAME", "Account name for the server");
+    auto* password = AddValue(app, "--password-file", raw.passwordFile, "FILE",
+                              "File with the password in its first line, readable by you alone");
+    user->needs(password);
+    password->needs(user);
+    AddLater(app, raw, "--spa", "Log in with NTLM (not available yet)");
+    AddLater(app, raw, "--ssl", "Encrypt the connection (not available yet)");
+    AddValue(app, "--timeout", options.timeout, "SECONDS", "Time to wait for each reply: 30")
+        ->check(CLI::Range(1, 86400));
+    AddValue(app, "--attempts", options.attempts, "N", "How often to try to connect: 2")
+        ->check(CLI::Range(1, 1000));
+    AddValue(app, "--helo", options.helo, "NAME", "Name to introduce this computer by");
+}
+
+void DefineHeader(CLI::App& app, Options& options, Raw& raw) {
+    app.option_defaults()->group("Addresses and header");
+    AddValue(app, "--from", raw.from, "ADDRESS", "Sender, as user@host or 'Name <user@host>'");
+    AddList(app, "--to", raw.to, "ADDRESS", "Recipient *");
+    AddList(app, "--cc", raw.cc, "ADDRESS", "Recipient of a copy *");
+    AddList(app, "--bcc", raw.bcc, "ADDRESS", "Recipient whom the others don't see *");
+    AddValue(app, "--reply-to", raw.replyTo, "ADDRESS", "Where replies go");
+    AddValue(app, "--subject", options.subject, "TEXT", "Subject");
+    AddList(app, "--header", raw.headers, "'NAME: VALUE'", "Further header field *");
+    AddValue(app, "--priority", raw.priority, "LEVEL", "high, normal or low")
+        ->check(CLI::IsMember(&kPriorities).description(""));
+    app.add_flag("--read-receipt", options.readReceipt, "Ask for a receipt when it is read");
+    AddValue(app, "--message-id", raw.messageId, "ID", "Message identifier of your own");
+}
+
+void DefineContent(CLI::App& app, Options& options, Raw& raw) {
+    app.option_defaults()->group("Content, in UTF-8");
+    auto* text = AddValue(app, "--text", raw.text, "TEXT", "Plain text; - reads standard input");
+    auto* textFile = AddValue(app, "--text-file", raw.textFile, "FILE", "The same from a file");
+    auto* html = AddValue(app, "--html", raw.html, "TEXT", "HTML; plain text goes beside it");
+    auto* htmlFile = AddValue(app, "--html-file", raw.htmlFile, "FILE", "The same from a file");
+    AddValue(app, "--alt", raw.alternative, "TEXT", "Plain text to go beside the body");
+    auto* bodyFile = AddValue(app, "--body-file", options.bodyFile, "FILE",
+                              "Body to send byte for byte; HTML when named .html or .htm");
+    text->excludes(textFile);
+    html->excludes(htmlFile);
+    for (auto* other : {text, textFile, html, htmlFile}) bodyFile->excludes(other);
+    AddValue(app, "--charset", options.charset, "NAME", "Character set of the body");
+    AddValue(app, "--alt-charset", options.alternativeCharset, "NAME",
+             "Character set of the text beside it");
+    AddValue(app, "--encoding", raw.encoding, "NAME", "default, 7bit, 8bit, qp or base64")
+        ->check(CLI::IsMember(&kEncodings).description(""));
+    AddList(app, "--attach", raw.attach, "FILE[,name=N][,type=T]", "File to attach *");
+    AddList(app, "--inline", raw.inlined, "FILE,cid=ID", "File that the HTML shows as cid:ID *");
+}
+
+void DefineSending(CLI::App& app, Options& options, Raw& raw) {
+    app.option_defaults()->group("Sending");
+    AddValue(app, "--count", options.count, "N", "Send the message N times")
+        ->check(CLI::Range(1, 1000000));
+    AddLater(app, raw, "--async", "Send through the queue (not available yet)");
+    app.add_option_function<int>(
+           "--threads", [&raw](int) { raw.later = "--threads"; },
+           "Number of sending threads (not available yet)")
+        ->type_name("N");
+    app.add_flag("--json", options.json, "Print each outcome as a line of JSON");
+    app.add_flag("--quiet", options.quiet, "Print nothing when all is sent");
+    app.set_help_flag("--help", "Show this text");
+    app.set_version_flag("--version", "quorvane-send " QUORVANE_VERSION);
+}
+
+// Takes '--name=value' apart, which the parser would misread when the value is empty.
+std::vector<std::string> SeparateValues(const CLI::App& app,
+                                        const std::vector<std::string>& arguments) {
+    std::vector<std::string> separated;
+    bool isValue = false;
+    for (const std::string& argument : arguments) {
+        const auto equals = isValue ? argument.npos : argument.find('=');
+        const auto* option =
+            isValue ? nullptr : app.get_option_no_throw(argument.substr(0, equals));
+        const bool takesValue = option && option->get_items_expected_min() > 0;
+        separated.push_back(takesValue ? argument.substr(0, equals) : argument);
+        isValue = takesValue && equals == argument.npos;
+        if (takesValue && !isValue) separated.push_back(argument.substr(equals + 1));
+    }
+    return separated;
+}
+
+std::vector<Address> ParseAddresses(const std::vector<std::string>& texts) {
+    std::vector<Address> addresses;
+    std::ranges::transform(texts, std::back_inserter(addresses), ParseAddress);
+    return addresses;
+}
+
+void CollectFiles(const Raw& raw, Options& options) {
+    for (const std::string& text : raw.inlined) {
+        options.files.push_back(ParseFileArgument(text));
+        if (options.files.back().contentId.empty()) {
+            throw UsageError("'" + text + "' lacks the cid= by which the HTML refers to it.");
+        }
+    }
+    for (const std::string& text : raw.attach) {
+        options.files.push_back(ParseFileArgument(text));
+        if (!options.files.back().contentId.empty()) {
+            throw UsageError("'" + text + "' has a cid=; that is for --inline.");
+        }
+    }
+    for (const FileArgument& file : options.files) RequireSendable(file.file);
+}
+
+// The text of an option, or of the file that its twin names.
+std::string TextOf(const std::string& text, const std::string& file) {
+    if (!file.empty()) return WithMailLineEnds(ReadTextFile(file));
+    return WithMailLineEnds(text == kStandardInput ? ReadTextFile(text) : text);
+}
+
+bool IsHtmlName(const std::string& file) {
+    return file.ends_with(".html") || file.ends_with(".htm");
+}
+
+void CollectBodies(const Raw& raw, Options& options) {
+    const auto inputs = std::ranges::count_if(
+        std::vector{raw.text, raw.textFile, raw.html, raw.htmlFile, raw.alternative},
+        [](const std::string& value) { return value == kStandardInput; });
+    if (inputs > 1) throw UsageError("Standard input can be read only once.");
+
+    std::string text = TextOf(raw.text, raw.textFile);
+    const std::string html = TextOf(raw.html, raw.htmlFile);
+    options.alternative = TextOf(raw.alternative, {});
+    options.html = !html.empty();
+    options.body = options.html ? html : text;
+    if (options.html && !text.empty()) {
+        if (!options.alternative.empty()) {
+            throw UsageError("--alt and --text both give the text beside the HTML.");
+        }
+        options.alternative = text;
+    }
+    if (!options.bodyFile.empty()) {
+        if (!std::filesystem::exists(PathOf(options.bodyFile))) {
+            throw UsageError("Can't read the file " + options.bodyFile + ".");
+        }
+        RequireSendable(options.bodyFile);
+        options.html = IsHtmlName(options.bodyFile);
+    }
+}
+
+void Collect(const Raw& raw, Options& options) {
+    if (!raw.later.empty()) throw UsageError(raw.later + " is not available in this version.");
+    if (raw.server.empty()) throw UsageError("Name the mail server with --server HOST[:PORT].");
+    if (raw.from.empty()) throw UsageError("Name the sender with --from ADDRESS.");
+    options.server = ParseServer(raw.server);
+    options.from = ParseAddress(raw.from);
+    options.to = ParseAddresses(raw.to);
+    options.cc = ParseAddresses(raw.cc);
+    options.bcc = ParseAddresses(raw.bcc);
+    if (!raw.replyTo.empty()) options.replyTo = ParseAddress(raw.replyTo);
+    options.messageId = ParseMessageId(raw.messageId);
+    options.priority = kPriorities.at(raw.priority);
+    options.encoding = kEncodings.at(raw.encoding);
+    std::ranges::transform(raw.headers, std::back_inserter(options.headers), ParseHeader);
+    CollectFiles(raw, options);
+    CollectBodies(raw, options);
+    if (!raw.passwordFile.empty()) options.password = ReadPassword(raw.passwordFile);
+}
+
+}  // namespace
+
+Options ParseOptions(const std::vector<std::string>& arguments) {
+    for (const std::string& argument : arguments) RequireText(argument, "An argument");
+    Options options;
+    Raw raw;
+    CLI::App app{
+        "Sends a message through a mail server. Options with * may be given several times.",
+        "quorvane-send"};
+    app.allow_windows_style_options(false);
+    DefineServer(app, options, raw);
+    DefineHeader(app, options, raw);
+    DefineContent(app, options, raw);
+    DefineSending(app, options, raw);
+
+    std::vector<std::string> reversed = SeparateValues(app, arguments);
+    std::ranges::reverse(reversed);  // the parser takes them from the end
+    try {
+        app.parse(reversed);
+    } catch (const CLI::CallForHelp&) {
+        options.information = app.help();
+        return options;
+    } catch (const CLI::CallForVersion&) {
+        options.information = app.version() + "\n";
+        return options;
+    } catch (const CLI::ParseError& error) {
+        throw UsageError(error.what());
+    }
+    Collect(raw, options);
+    return options;
+}
+
+}  // namespace quorvane::cli

@@ -1,0 +1,34 @@
+#include "cli/output.h"
+
+#include <nlohmann/json.hpp>
+
+namespace quorvane::cli {
+
+std::string OutcomeAsJson(const client::Outcome& outcome) {
+    nlohmann::ordered_json line;
+    line["number"] = nullptr;
+    line["status"] = outcome.sent() ? "sent" : "failed";
+    line["code"] = outcome.code;
+    line["text"] = outcome.text;
+    return line.dump();
+}
+
+std::string OutcomeAsText(const client::Outcome& outcome) {
+    std::u16string shown;
+    for (const char16_t unit : client::ToUtf16(outcome.text)) {
+        const bool control = unit < 0x20 || (unit >= 0x7F && unit < 0xA0);
+        if (unit == u'\n') {
+            shown += u"\n    ";
+        } else if (unit != u'\r') {
+            shown += control ? u'?' : unit;
+        }
+    }
+    return std::to_string(outcome.code) + ": " + client::ToUtf8(shown);
+}
+
+std::string Summary(int sent, int count) {
+    if (count == 1) return sent == 1 ? "Sent." : "Not sent.";
+    return std::to_string(sent) + " of " + std::to_string(count) + " messages sent.";
+}
+
+}  // namespace quorvane::cli

@@ -1,0 +1,21 @@
+// What quorvane-send needs from the operating system beside the C++ library; one source file per
+// system implements it and has the program's entry point.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace quorvane::cli::system {
+
+// Write UTF-8 text, so that a terminal shows it right.
+void WriteOutput(std::string_view text);
+void WriteError(std::string_view text);
+
+// Everything up to the end of standard input, byte for byte.
+std::string ReadInput();
+
+// A command that keeps others than the owner from reading the file; empty when they can't read it
+// as it is, or when there is no such file.
+std::string RemedyForReaders(const std::string& file);
+
+}  // namespace quorvane::cli::system

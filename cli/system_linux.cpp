@@ -1,0 +1,48 @@
+#include <sys/stat.h>
+
+#include <cstdio>
+
+#include "cli/system.h"
+
+namespace quorvane::cli::system {
+
+namespace {
+
+void Write(std::FILE* stream, std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stream);
+    std::fflush(stream);
+}
+
+// The file's name as one word of a shell command.
+std::string Quoted(const std::string& file) {
+    std::string quoted = "'";
+    for (const char c : file) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+}
+
+}  // namespace
+
+void WriteOutput(std::string_view text) {
+    Write(stdout, text);
+}
+
+void WriteError(std::string_view text) {
+    Write(stderr, text);
+}
+
+std::string ReadInput() {
+    std::string text;
+    char piece[4096];
+    while (const std::size_t size = std::fread(piece, 1, sizeof piece, stdin)) {
+        text.append(piece, size);
+    }
+    return text;
+}
+
+std::string RemedyForReaders(const std::string& file) {
+    struct stat status;
+    if (stat(file.c_str(), &status) != 0 || (status.st_mode & (S_IRGRP | S_IROTH)) == 0) return {};
+    return "chmod 600 " + Quoted(file);
+}
+
+}  // namespace quorvane::cli::system

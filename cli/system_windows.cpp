@@ -1,0 +1,90 @@
+#include <windows.h>
+#include <aclapi.h>
+#include <fcntl.h>
+#include <io.h>
+
+#include <cstdio>
+#include <memory>
+
+#include "cli/system.h"
+#include "cli/text_input.h"
+#include "quorvane.hpp"
+
+namespace quorvane::cli::system {
+
+namespace {
+
+void Write(DWORD which, std::string_view text) {
+    const HANDLE handle = GetStdHandle(which);
+    DWORD mode = 0;
+    DWORD written = 0;
+    if (!GetConsoleMode(handle, &mode)) {
+        WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+        return;
+    }
+    const client::Bstr wide(text);
+    WriteConsoleW(handle, static_cast<BSTR>(wide), SysStringLen(wide), &written, nullptr);
+}
+
+struct FreeLocal {
+    void operator()(void* block) const { LocalFree(block); }
+};
+
+// Who the file's protection lets read it, beside its owner, the system and administrators.
+bool IsTrusted(PSID reader, PSID owner) {
+    return EqualSid(reader, owner) || IsWellKnownSid(reader, WinLocalSystemSid) ||
+           IsWellKnownSid(reader, WinBuiltinAdministratorsSid) ||
+           IsWellKnownSid(reader, WinCreatorOwnerRightsSid);
+}
+
+bool LetsOthersRead(const ACL* list, PSID owner) {
+    if (!list) return true;  // no protection at all
+    for (DWORD i = 0; i < list->AceCount; ++i) {
+        void* entry = nullptr;
+        if (!GetAce(const_cast<ACL*>(list), i, &entry)) return true;
+        const auto* header = static_cast<const ACE_HEADER*>(entry);
+        if (header->AceType != ACCESS_ALLOWED_ACE_TYPE || (header->AceFlags & INHERIT_ONLY_ACE)) {
+            continue;
+        }
+        auto* allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
+        const bool reads = allowed->Mask & (FILE_READ_DATA | GENERIC_READ | GENERIC_ALL);
+        if (reads && !IsTrusted(&allowed->SidStart, owner)) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+void WriteOutput(std::string_view text) {
+    Write(STD_OUTPUT_HANDLE, text);
+}
+
+void WriteError(std::string_view text) {
+    Write(STD_ERROR_HANDLE, text);
+}
+
+std::string ReadInput() {
+    _setmode(_fileno(stdin), _O_BINARY);
+    std::string text;
+    char piece[4096];
+    while (const std::size_t size = std::fread(piece, 1, sizeof piece, stdin)) {
+        text.append(piece, size);
+    }
+    return text;
+}
+
+std::string RemedyForReaders(const std::string& file) {
+    std::wstring path = PathOf(file).wstring();
+    PSID owner = nullptr;
+    ACL* list = nullptr;
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    const DWORD status = GetNamedSecurityInfoW(
+        path.data(), SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION, &owner,
+        nullptr, &list, nullptr, &descriptor);
+    if (status != ERROR_SUCCESS) return {};
+    const std::unique_ptr<void, FreeLocal> held(descriptor);
+    if (!LetsOthersRead(list, owner)) return {};
+    return "icacls \"" + file + "\" /inheritance:r /grant:r \"%USERNAME%:F\"";
+}
+
+}  // namespace quorvane::cli::system

@@ -1,0 +1,90 @@
+#include "cli/text_input.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include "cli/options.h"
+#include "cli/system.h"
+
+namespace quorvane::cli {
+
+namespace {
+
+void RequireNoFolder(const std::string& name) {
+    std::error_code error;
+    if (std::filesystem::is_directory(PathOf(name), error)) {
+        throw UsageError(name + " is a folder, not a file.");
+    }
+}
+
+std::string ReadFile(const std::string& name) {
+    RequireNoFolder(name);
+    std::ifstream stream(PathOf(name), std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+    if (!stream) throw UsageError("Can't read the file " + name + ".");
+    return bytes;
+}
+
+}  // namespace
+
+std::filesystem::path PathOf(std::string_view utf8) {
+    return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+std::string ReadTextFile(const std::string& name) {
+    std::string text = name == "-" ? system::ReadInput() : ReadFile(name);
+    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
+    RequireText(text, name == "-" ? "Standard input" : "The file " + name);
+    return text;
+}
+
+void RequireText(std::string_view text, const std::string& what) {
+    if (text.find('\0') != text.npos) throw UsageError(what + " holds a NUL, so it is no text.");
+    if (client::ToUtf8(client::ToUtf16(text)) != text) {
+        throw UsageError(what + " is not UTF-8 text.");
+    }
+}
+
+std::string WithMailLineEnds(std::string_view text) {
+    std::string out;
+    out.reserve(text.size() + text.size() / 32);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\r' && text[i] != '\n') {
+            out += text[i];
+            continue;
+        }
+        out += "\r\n";
+        if (text.substr(i, 2) == "\r\n") ++i;
+    }
+    return out;
+}
+
+std::string ReadPassword(const std::string& file) {
+    const std::string remedy = system::RemedyForReaders(file);
+    if (!remedy.empty()) {
+        throw UsageError("Others can read the password file " + file +
+                         ". Make it yours alone first:  " + remedy);
+    }
+    std::string text = ReadTextFile(file);
+    text.erase(
+        std::find_if(text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n'; }),
+        text.end());
+    if (text.empty())
+        throw UsageError("The first line of the password file " + file + " is empty.");
+    return text;
+}
+
+void RequireSendable(const std::string& file) {
+    std::error_code error;
+    const auto path = PathOf(file);
+    if (!std::filesystem::exists(path, error)) return;
+    RequireNoFolder(file);
+    std::ifstream stream(path, std::ios::binary);
+    if (!stream) throw UsageError("Can't read the file " + file + ".");
+    if (stream.peek() == std::ifstream::traits_type::eof()) {
+        throw UsageError("The file " + file + " is empty; an empty file can't be sent along.");
+    }
+}
+
+}  // namespace quorvane::cli

@@ -56,32 +56,6 @@ BSTR SysAllocString(const OLECHAR* text) {
     return units > UINT32_MAX ? nullptr : SysAllocStringLen(text, static_cast<UINT>(units));
 }
 
-INT SysReAllocStringLen(BSTR* text, const OLECHAR* replacement, UINT units) {
-    if (!text) return FALSE;
-    // The replacement may be a part of the old text, so that one goes last.
-    const BSTR result = SysAllocStringLen(nullptr, units);
-    if (!result) return FALSE;
-    const std::size_t size = std::size_t{units} * sizeof(OLECHAR);
-    if (replacement) {
-        std::memcpy(result, replacement, size);
-    } else if (*text) {
-        const std::size_t old = SysStringByteLen(*text);
-        std::memcpy(result, *text, old < size ? old : size);
-    }
-    SysFreeString(*text);
-    *text = result;
-    return TRUE;
-}
-
-INT SysReAllocString(BSTR* text, const OLECHAR* replacement) {
-    if (!text) return FALSE;
-    const BSTR result = SysAllocString(replacement);
-    if (replacement && !result) return FALSE;
-    SysFreeString(*text);
-    *text = result;
-    return TRUE;
-}
-
 void SysFreeString(BSTR text) {
     if (text) std::free(Block(text));
 }

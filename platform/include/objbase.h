@@ -20,8 +20,6 @@ enum CLSCTX {
     CLSCTX_ALL = 0x17,
 };
 
-typedef enum tagREGCLS { REGCLS_SINGLEUSE = 0, REGCLS_MULTIPLEUSE = 1 } REGCLS;
-
 // The calling thread enters an apartment: S_OK the first time, S_FALSE when it is in one of that
 // kind already, RPC_E_CHANGED_MODE when it is in one of the other kind. Every success wants a
 // CoUninitialize of the same thread.
@@ -29,21 +27,16 @@ STDAPI CoInitialize(LPVOID reserved);
 STDAPI CoInitializeEx(LPVOID reserved, DWORD model);
 STDAPI_(void) CoUninitialize();
 
-// Memory that passes between a component and its clients. Realloc of null allocates; Realloc to
-// size 0 frees. Null when there is none.
+// Memory that passes between a component and its clients. Null when there is none.
 STDAPI_(LPVOID) CoTaskMemAlloc(SIZE_T size);
-STDAPI_(LPVOID) CoTaskMemRealloc(LPVOID block, SIZE_T size);
 STDAPI_(void) CoTaskMemFree(LPVOID block);
 
-// Class objects: first those that this process has registered, then the library's own
-// DllGetClassObject, else REGDB_E_CLASSNOTREG. CO_E_NOTINITIALIZED outside an apartment.
+// Class objects from the library's own DllGetClassObject, REGDB_E_CLASSNOTREG for all others.
+// CO_E_NOTINITIALIZED outside an apartment.
 // Differs from Windows: the registry is not consulted and no other library is loaded.
 STDAPI CoGetClassObject(REFCLSID rclsid, DWORD context, LPVOID server, REFIID riid, LPVOID* object);
 STDAPI CoCreateInstance(REFCLSID rclsid, LPUNKNOWN outer, DWORD context, REFIID riid,
                         LPVOID* object);
-STDAPI CoRegisterClassObject(REFCLSID rclsid, LPUNKNOWN classObject, DWORD context, DWORD flags,
-                             LPDWORD cookie);
-STDAPI CoRevokeClassObject(DWORD cookie);
 
 // Through the registry: CO_E_CLASSSTRING for a name that is not registered, REGDB_E_CLASSNOTREG
 // for a class without a ProgID. The caller frees the text with CoTaskMemFree.
@@ -53,8 +46,6 @@ STDAPI ProgIDFromCLSID(REFCLSID clsid, LPOLESTR* progId);
 // Identifiers as {XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}. StringFromGUID2 writes up to `size` units
 // and returns 39, NUL included, or 0 when they don't fit.
 STDAPI_(int) StringFromGUID2(REFGUID guid, LPOLESTR text, int size);
-STDAPI CLSIDFromString(LPCOLESTR text, LPCLSID clsid);
-STDAPI IIDFromString(LPCOLESTR text, LPIID iid);
 
 // Entry points of a component library.
 STDAPI DllGetClassObject(REFCLSID rclsid, REFIID riid, LPVOID* object);

@@ -10,8 +10,6 @@
 STDAPI_(BSTR) SysAllocString(const OLECHAR* text);
 STDAPI_(BSTR) SysAllocStringLen(const OLECHAR* text, UINT units);
 STDAPI_(BSTR) SysAllocStringByteLen(LPCSTR bytes, UINT size);
-STDAPI_(INT) SysReAllocString(BSTR* text, const OLECHAR* replacement);
-STDAPI_(INT) SysReAllocStringLen(BSTR* text, const OLECHAR* replacement, UINT units);
 STDAPI_(void) SysFreeString(BSTR text);
 STDAPI_(UINT) SysStringLen(BSTR text);
 STDAPI_(UINT) SysStringByteLen(BSTR text);

@@ -23,7 +23,6 @@
 
 #define REG_SZ 1
 #define REG_EXPAND_SZ 2
-#define REG_DWORD 4
 
 typedef DWORD REGSAM;
 typedef struct _SECURITY_ATTRIBUTES* LPSECURITY_ATTRIBUTES;
@@ -32,7 +31,8 @@ extern "C" {
 
 // All return ERROR_SUCCESS or an error number; they leave the last error alone. Names of keys and
 // values are compared without regard to the case of ASCII letters.
-// Differs from Windows: the kinds of access asked for are not checked.
+// Differs from Windows: the kinds of access asked for are not checked; ERROR_ACCESS_DENIED when the
+// user has no home folder or it can't be written.
 LSTATUS WINAPI RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result);
 LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR keyClass,
                                DWORD options, REGSAM access, LPSECURITY_ATTRIBUTES security,
@@ -41,12 +41,13 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR 
 // the needed size when the buffer is too small.
 LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data,
                                 LPDWORD size);
+// Differs from Windows: only texts, REG_SZ and REG_EXPAND_SZ, are stored; another type gives
+// ERROR_INVALID_PARAMETER.
 LSTATUS WINAPI RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data,
                               DWORD size);
 // Removes the subkey with everything below it.
+// Differs from Windows: the subkey must be named; keys can't be emptied.
 LSTATUS WINAPI RegDeleteTreeW(HKEY key, LPCWSTR subKey);
-// Removes a subkey that has no subkeys of its own.
-LSTATUS WINAPI RegDeleteKeyW(HKEY key, LPCWSTR subKey);
 LSTATUS WINAPI RegCloseKey(HKEY key);
 
 }  // extern "C"

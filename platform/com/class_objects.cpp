@@ -1,0 +1,28 @@
+#include <objbase.h>
+
+#include "apartment.h"
+
+// Programs that aren't the component library have no classes of their own.
+extern "C" __attribute__((weak)) HRESULT DllGetClassObject(REFCLSID, REFIID, LPVOID*);
+
+HRESULT CoGetClassObject(REFCLSID rclsid, DWORD context, LPVOID, REFIID riid, LPVOID* object) {
+    if (!object) return E_INVALIDARG;
+    *object = nullptr;
+    if (!quorvane::platform::InApartment()) return CO_E_NOTINITIALIZED;
+    if (!(context & CLSCTX_INPROC_SERVER) || !DllGetClassObject) return REGDB_E_CLASSNOTREG;
+    const HRESULT hr = DllGetClassObject(rclsid, riid, object);
+    return hr == CLASS_E_CLASSNOTAVAILABLE ? REGDB_E_CLASSNOTREG : hr;
+}
+
+HRESULT CoCreateInstance(REFCLSID rclsid, LPUNKNOWN outer, DWORD context, REFIID riid,
+                         LPVOID* object) {
+    if (!object) return E_POINTER;
+    *object = nullptr;
+    void* found = nullptr;
+    HRESULT hr = CoGetClassObject(rclsid, context, nullptr, IID_IClassFactory, &found);
+    if (FAILED(hr)) return hr;
+    auto* const factory = static_cast<IClassFactory*>(found);
+    hr = factory->CreateInstance(outer, riid, object);
+    factory->Release();
+    return hr;
+}

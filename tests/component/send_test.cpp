@@ -1,0 +1,241 @@
+// The synchronous send: the two channels of failure, the settings on the wire, the last error.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "component/smtp_mail.h"
+#include "model/mail_address.h"
+#include "model/mail_attachment.h"
+#include "model/mail_message.h"
+#include "tests/servers/scripted_peer.h"
+#include "tests/support/com.h"
+
+namespace quorvane {
+namespace {
+
+using testing::Delivery;
+using testing::ScriptedPeer;
+
+testing::Script ParseScript(std::initializer_list<std::string_view> lines) {
+    testing::Script script;
+    for (const std::string_view line : lines) {
+        EXPECT_TRUE(testing::ParseStep(line, script)) << line;
+    }
+    return script;
+}
+
+ComPtr<IMailAddress> Address(WideView address) {
+    auto object = New<CMailAddress, IMailAddress>();
+    EXPECT_EQ(object->put_Address(Bstr(address)), S_OK);
+    return object;
+}
+
+// A message whose every byte on the wire is known.
+ComPtr<IMailMessage> SampleMessage() {
+    auto message = New<CMailMessage, IMailMessage>();
+    message->put_Sender(Address(OLESTR("s@x")).Get());
+    message->AddRecipient(Address(OLESTR("a@x")).Get());
+    message->AddBccRecipient(Address(OLESTR("b@x")).Get());
+    message->put_MessageSubject(Bstr(OLESTR("Hi")));
+    message->put_MessageBody(Bstr(OLESTR("Hello\r\n.\r\nBye")));
+    message->put_MessageId(Bstr(OLESTR("id@x")));
+    message->AddHeader(Bstr(OLESTR("Date")), Bstr(OLESTR("today")));
+    return message;
+}
+
+constexpr std::string_view kSampleText =
+    "From: <s@x>\r\n"
+    "To: <a@x>\r\n"
+    "Subject: Hi\r\n"
+    "Message-ID: <id@x>\r\n"
+    "Importance: Normal\r\n"
+    "X-MSMail-Priority: Normal\r\n"
+    "X-Priority: 3 (Normal)\r\n"
+    "X-Mailer: Quorvane ActiveX 4.1 (Lindbrek Quorvane)\r\n"
+    "X-MimeOLE: Produced By Lindbrek Mime V4.1\r\n"
+    "MIME-Version: 1.0\r\n"
+    "Date: today\r\n"
+    "Content-Type: text/plain;\r\n"
+    "\tcharset=\"iso-8859-1\"\r\n"
+    "Content-Transfer-Encoding: 7bit\r\n"
+    "\r\n"
+    "Hello\r\n"
+    "..\r\n"
+    "Bye\r\n"
+    ".\r\n";
+
+class Send : public ::testing::Test {
+protected:
+    ComPtr<ISmtpMail> mail = New<CSmtpMail, ISmtpMail>();
+    BstrHolder text;
+    LONG code = 77;
+
+    void UsePeer(const ScriptedPeer& peer) {
+        mail->put_SmtpServer(Bstr(OLESTR("127.0.0.1")));
+        mail->put_SmtpPort(ntohs(peer.port()));
+        mail->put_SenderHostname(Bstr(OLESTR("client.test")));
+        mail->put_ReplyTimeout(5);
+        mail->put_ConnectAttempts(1);
+    }
+    HRESULT SendSample() {
+        return mail->Send(SampleMessage().Get(), VARIANT_TRUE, text.Receive(), &code);
+    }
+    void ExpectLastError(LONG expectedCode, WideView expectedText) {
+        LONG lastCode = 99;
+        EXPECT_EQ(mail->GetLastErrorCode(&lastCode), S_OK);
+        EXPECT_EQ(lastCode, expectedCode);
+        EXPECT_EQ(Show(GetString(mail.Get(), &ISmtpMail::GetLastErrorDescription)),
+                  Show(expectedText));
+    }
+    // The description of the thread's error information, which this removes; "-" for none.
+    static std::string ErrorInfo() {
+        ComPtr<IErrorInfo> info;
+        if (GetErrorInfo(0, info.Receive()) != S_OK) return "-";
+        BstrHolder description;
+        info->GetDescription(description.Receive());
+        return Show(FromBstr(description.Get()));
+    }
+};
+
+TEST_F(Send, DeliversTheMessageToTheByte) {
+    ScriptedPeer peer(
+        {ParseScript({"S: 220 mx", "C: EHLO client.test", "S: 250 mx", "C: MAIL FROM: <s@x>",
+                      "S: 250 ok", "C: RCPT TO: <a@x>", "S: 250 ok", "C: RCPT TO: <b@x>",
+                      "S: 250 ok", "C: DATA", "S: 354 go", "C: (message)", "S: 250 kept", "C: QUIT",
+                      "S: 221 bye"})},
+        Delivery::Whole);
+    peer.ExpectMessage(std::string(kSampleText));
+    UsePeer(peer);
+    EXPECT_EQ(SendSample(), S_OK);
+    peer.Finish();
+    EXPECT_THAT(peer.deviations(), ::testing::IsEmpty());
+    EXPECT_EQ(code, 0);
+    EXPECT_EQ(text.Get(), nullptr) << "no text on success";
+    ExpectLastError(0, {});
+}
+
+TEST_F(Send, RefusalGivesTheServersCodeAndWordsAndStaysTheLastError) {
+    ScriptedPeer peer({ParseScript({"S: 220 mx", "C: EHLO client.test", "S: 250 mx",
+                                    "C: MAIL FROM: <s@x>", "S: 250 ok", "C: RCPT TO: <a@x>",
+                                    "S: 550 no such user", "C: QUIT", "S: 221 bye"})},
+                      Delivery::Whole);
+    UsePeer(peer);
+    EXPECT_EQ(SendSample(), S_FALSE);
+    peer.Finish();
+    EXPECT_THAT(peer.deviations(), ::testing::IsEmpty());
+    EXPECT_EQ(code, 550);
+    EXPECT_EQ(FromBstr(text.Get()), OLESTR("550 no such user"));
+    ExpectLastError(550, OLESTR("550 no such user"));
+    EXPECT_EQ(ErrorInfo(), "-") << "a refusal is an outcome, not wrong use";
+}
+
+TEST_F(Send, AuthenticatesWithTheAccountOfTheSettings) {
+    ScriptedPeer peer(
+        {ParseScript({"S: 220 mx", "C: EHLO client.test", "S: 250-mx", "S: 250 AUTH LOGIN",
+                      "C: AUTH LOGIN", "S: 334 VXNlcm5hbWU6", "C: am8=", "S: 334 UGFzc3dvcmQ6",
+                      "C: c2VjcmV0", "S: 535 no", "C: QUIT", "S: 221 bye"})},
+        Delivery::Whole);
+    UsePeer(peer);
+    mail->put_SmtpUsername(Bstr(OLESTR("jo")));
+    mail->put_SmtpPassword(Bstr(OLESTR("secret")));
+    EXPECT_EQ(SendSample(), S_FALSE);
+    peer.Finish();
+    EXPECT_THAT(peer.deviations(), ::testing::IsEmpty());
+    EXPECT_EQ(code, 535);
+    ExpectLastError(535, OLESTR("Authentication failed, invalid username or password"));
+}
+
+TEST_F(Send, WrongUseIsReportedBeforeAnythingIsSent) {
+    const auto fresh = New<CMailMessage, IMailMessage>();
+    const auto noRecipient = New<CMailMessage, IMailMessage>();
+    noRecipient->put_Sender(Address(OLESTR("s@x")).Get());
+    const auto missingFile = SampleMessage();
+    const auto attachment = New<CMailAttachment, IMailAttachment>();
+    attachment->put_File(Bstr(OLESTR("C:\\no-such-folder\\none.txt")));
+    missingFile->AddAttachment(attachment.Get());
+    const struct {
+        IMailMessage* message;
+        HRESULT status;
+        const char* text;
+    } cases[] = {
+        {fresh.Get(), E_INVALIDARG, "Sender address can't be empty"},
+        {noRecipient.Get(), E_INVALIDARG, "Message must have at least one recipient"},
+        {missingFile.Get(), E_INVALIDARG,
+         "Couldn't open attachment file C:\\no-such-folder\\none.txt"},
+        {SampleMessage().Detach(), E_INVALIDARG,
+         "SmtpServer property can't be empty if useSmtpServer parameter is true"},
+        {nullptr, E_INVALIDARG, "-"},
+    };
+    for (const auto& c : cases) {
+        code = 77;
+        EXPECT_EQ(mail->Send(c.message, VARIANT_TRUE, text.Receive(), &code), c.status);
+        EXPECT_EQ(ErrorInfo(), c.text);
+        EXPECT_EQ(code, 0);
+        EXPECT_EQ(text.Get(), nullptr);
+        ExpectLastError(0, {});
+    }
+    cases[3].message->Release();
+    EXPECT_EQ(mail->Send(nullptr, VARIANT_TRUE, nullptr, nullptr), E_INVALIDARG);
+}
+
+TEST_F(Send, RefusesMessagesOfOtherImplementationsAndKeepsTheLastError) {
+    mail->put_SmtpServer(Bstr(OLESTR("bad host name")));
+    EXPECT_EQ(SendSample(), S_FALSE);
+    EXPECT_EQ(code, -1);
+    EXPECT_EQ(FromBstr(text.Get()), OLESTR("Unable to resolve hostname bad host name."));
+
+    // What somebody else's message has in common with this one: it answers QueryInterface.
+    const auto address = Address(OLESTR("s@x"));
+    auto* const foreign = reinterpret_cast<IMailMessage*>(address.Get());
+    EXPECT_EQ(mail->Send(foreign, VARIANT_TRUE, text.Receive(), &code), E_FAIL);
+    EXPECT_EQ(ErrorInfo(), "Quorvane internal error 973!");
+    EXPECT_EQ(code, 0);
+    EXPECT_EQ(text.Get(), nullptr);
+    ExpectLastError(-1, OLESTR("Unable to resolve hostname bad host name."));
+}
+
+TEST_F(Send, ScriptableTwinHandsTheTextOverInAVariant) {
+    EXPECT_EQ(mail->SendScriptable(SampleMessage().Get(), VARIANT_TRUE, nullptr, &code),
+              E_INVALIDARG);
+    EXPECT_EQ(ErrorInfo(), "-");
+
+    VARIANT outcome;
+    VariantInit(&outcome);
+    outcome.vt = VT_BSTR;
+    outcome.bstrVal = SysAllocString(OLESTR("old text, to be freed"));
+    mail->put_SmtpServer(Bstr(OLESTR("bad host name")));
+    EXPECT_EQ(mail->SendScriptable(SampleMessage().Get(), VARIANT_TRUE, &outcome, &code), S_FALSE);
+    EXPECT_EQ(outcome.vt, VT_BSTR);
+    EXPECT_EQ(FromBstr(outcome.bstrVal), OLESTR("Unable to resolve hostname bad host name."));
+
+    mail->put_SmtpServer(nullptr);
+    EXPECT_EQ(mail->SendScriptable(SampleMessage().Get(), VARIANT_TRUE, &outcome, &code),
+              E_INVALIDARG);
+    EXPECT_EQ(outcome.vt, VT_BSTR);
+    EXPECT_EQ(outcome.bstrVal, nullptr);
+}
+
+// What this version doesn't have answers E_NOTIMPL, and nothing else does.
+TEST_F(Send, MembersOfLaterVersionsSaySo) {
+    LONG number = 0;
+    MailStatus status;
+    VARIANT handler;
+    VariantInit(&handler);
+    const auto message = SampleMessage();
+    EXPECT_EQ(mail->SendAsync(message.Get(), VARIANT_TRUE, &number), E_NOTIMPL);
+    EXPECT_EQ(mail->GetStatus(1, &status), E_NOTIMPL);
+    EXPECT_EQ(mail->GetErrorCode(1, &number), E_NOTIMPL);
+    EXPECT_EQ(mail->GetErrorDescription(1, text.Receive()), E_NOTIMPL);
+    EXPECT_EQ(mail->Cancel(1), E_NOTIMPL);
+    EXPECT_EQ(mail->CancelAll(), E_NOTIMPL);
+    EXPECT_EQ(mail->GetQueueSize(&number), E_NOTIMPL);
+    EXPECT_EQ(mail->put_OnStatusChangeHandler(handler), E_NOTIMPL);
+    EXPECT_EQ(mail->put_OnProgressHandler(handler), E_NOTIMPL);
+    EXPECT_EQ(message->ImportHTML(Bstr(OLESTR("x.html"))), E_NOTIMPL);
+    EXPECT_EQ(mail->Send(message.Get(), VARIANT_FALSE, text.Receive(), &code), E_NOTIMPL);
+    EXPECT_EQ(ErrorInfo(), "Direct delivery is not available in this version");
+}
+
+}  // namespace
+}  // namespace quorvane

@@ -1,0 +1,33 @@
+#!/bin/bash
+# check_dependencies.sh LIBRARY: the library needs what every system has and exports what it should.
+set -euo pipefail
+library=$1
+failed=0
+
+complain() {
+    echo "$(basename "$library"): $*" >&2
+    failed=1
+}
+
+case $library in
+    *.dll)
+        system='ADVAPI32 GDI32 KERNEL32 OLEAUT32 SECUR32 USER32 WS2_32 DNSAPI RPCRT4 MSVCRT OLE32'
+        needed=$(objdump -p "$library" | sed -n 's/.*DLL Name: \(.*\)\.dll$/\1/Ip')
+        for name in $needed; do
+            [[ " $system " == *" ${name^^} "* ]] || complain "needs $name.dll"
+        done
+        exports=$(objdump -p "$library" | sed -n '/\[Ordinal\/Name Pointer\]/,/^$/s/^.*\[ *[0-9]*\] //p')
+        wanted=$'DllCanUnloadNow\nDllGetClassObject\nDllRegisterServer\nDllUnregisterServer'
+        [ "$exports" = "$wanted" ] || complain "exports" $exports
+        ;;
+    *)
+        exports=$(nm --dynamic --defined-only --extern-only "$library" | awk '{print $3}')
+        for name in DllCanUnloadNow DllGetClassObject DllRegisterServer DllUnregisterServer \
+            CoInitializeEx CoCreateInstance SysAllocStringLen VariantClear GetErrorInfo; do
+            grep -qx "$name" <<<"$exports" || complain "doesn't export $name"
+        done
+        # A host that uses other versions of these must not meet ours.
+        if grep -q 'quorvane\|^_ZN3fmt' <<<"$exports"; then complain "exports its inner names"; fi
+        ;;
+esac
+exit $failed

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -75,8 +76,12 @@ int StringFromGUID2(REFGUID guid, LPOLESTR text, int size) {
 HRESULT CLSIDFromProgID(LPCOLESTR progId, LPCLSID clsid) {
     if (!progId || !clsid) return E_INVALIDARG;
     *clsid = CLSID_NULL;
-    const std::u16string text = DefaultValue(std::u16string(progId) + u"\\CLSID");
-    return ParseGuid(text, *clsid) ? S_OK : CO_E_CLASSSTRING;
+    try {
+        const std::u16string text = DefaultValue(std::u16string(progId) + u"\\CLSID");
+        return ParseGuid(text, *clsid) ? S_OK : CO_E_CLASSSTRING;
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
+    }
 }
 
 HRESULT ProgIDFromCLSID(REFCLSID clsid, LPOLESTR* progId) {
@@ -84,11 +89,16 @@ HRESULT ProgIDFromCLSID(REFCLSID clsid, LPOLESTR* progId) {
     *progId = nullptr;
     OLECHAR identifier[kTextLength + 1];
     StringFromGUID2(clsid, identifier, kTextLength + 1);
-    const std::u16string text = DefaultValue(u"CLSID\\" + std::u16string(identifier) + u"\\ProgID");
-    if (text.empty()) return REGDB_E_CLASSNOTREG;
-    const std::size_t size = (text.size() + 1) * sizeof(OLECHAR);
-    *progId = static_cast<LPOLESTR>(CoTaskMemAlloc(size));
-    if (!*progId) return E_OUTOFMEMORY;
-    std::memcpy(*progId, text.c_str(), size);
-    return S_OK;
+    try {
+        const std::u16string text =
+            DefaultValue(u"CLSID\\" + std::u16string(identifier) + u"\\ProgID");
+        if (text.empty()) return REGDB_E_CLASSNOTREG;
+        const std::size_t size = (text.size() + 1) * sizeof(OLECHAR);
+        *progId = static_cast<LPOLESTR>(CoTaskMemAlloc(size));
+        if (!*progId) return E_OUTOFMEMORY;
+        std::memcpy(*progId, text.c_str(), size);
+        return S_OK;
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
+    }
 }

@@ -15,12 +15,7 @@ typedef UINT_PTR SOCKET;
 typedef unsigned int u_long;  // 32 bits, as on Windows
 
 struct in_addr {
-    __extension__ union {
-        ULONG s_addr;  // network byte order
-        struct {
-            UCHAR s_b1, s_b2, s_b3, s_b4;
-        } S_un_b;
-    };
+    ULONG s_addr;  // network byte order
 };
 
 struct sockaddr {
@@ -48,6 +43,11 @@ struct servent {
 struct WSADATA {
     WORD wVersion;
     WORD wHighVersion;
+    USHORT iMaxSockets;
+    USHORT iMaxUdpDg;
+    char* lpVendorInfo;
+    char szDescription[257];
+    char szSystemStatus[129];
 };
 typedef WSADATA* LPWSADATA;
 
@@ -63,11 +63,11 @@ int WSAGetLastError();
 void WSASetLastError(int error);
 
 int WSAStartup(WORD version, LPWSADATA data);
-int WSACleanup();
 
 // SOCKET_ERROR or INVALID_SOCKET with the last socket error set on failure.
 // Differs from Windows: a signal that interrupts a call doesn't end it; a new socket is not
-// inherited by programs that the process starts.
+// inherited by programs that the process starts; sending to a peer that has reset the connection
+// gives WSAECONNRESET every time, and so does sending after shutdown with SD_SEND.
 SOCKET socket(int family, int type, int protocol);
 int bind(SOCKET s, const sockaddr* address, int size);
 int listen(SOCKET s, int backlog);
@@ -79,7 +79,9 @@ int send(SOCKET s, const char* data, int size, int flags);
 int recv(SOCKET s, char* buffer, int size, int flags);
 int shutdown(SOCKET s, int how);
 int closesocket(SOCKET s);
+// FIONBIO: whether calls return WSAEWOULDBLOCK instead of waiting.
 int ioctlsocket(SOCKET s, long command, u_long* argument);
+// TCP_NODELAY can be set; SO_ERROR can be asked for, which takes the error from the socket.
 int setsockopt(SOCKET s, int level, int option, const char* value, int size);
 int getsockopt(SOCKET s, int level, int option, char* value, int* size);
 
@@ -131,7 +133,6 @@ using quorvane::winsock::sockaddr_in;
 using quorvane::winsock::SOCKADDR_IN;
 using quorvane::winsock::socket;
 using quorvane::winsock::SOCKET;
-using quorvane::winsock::WSACleanup;
 using quorvane::winsock::WSADATA;
 using quorvane::winsock::WSAGetLastError;
 using quorvane::winsock::WSAPoll;
@@ -144,12 +145,9 @@ using quorvane::winsock::WSAStartup;
 #define INVALID_SOCKET ((SOCKET) ~(SOCKET)0)
 #define SOCKET_ERROR (-1)
 
-#define AF_UNSPEC 0
 #define AF_INET 2
 #define SOCK_STREAM 1
 #define IPPROTO_TCP 6
-#define INADDR_ANY ((ULONG)0x00000000)
-#define INADDR_NONE ((ULONG)0xFFFFFFFF)
 #define INADDR_LOOPBACK 0x7F000001
 #define SOMAXCONN 0x7FFFFFFF
 
@@ -159,13 +157,9 @@ using quorvane::winsock::WSAStartup;
 #define MSG_PEEK 0x2
 
 #define SOL_SOCKET 0xFFFF
-#define SO_REUSEADDR 0x0004
-#define SO_KEEPALIVE 0x0008
-#define SO_LINGER 0x0080
 #define SO_ERROR 0x1007
 #define TCP_NODELAY 0x0001
 #define FIONBIO ((long)0x8004667E)
-#define FIONREAD 0x4004667FL
 
 #define POLLRDNORM 0x0100
 #define POLLRDBAND 0x0200
@@ -176,22 +170,18 @@ using quorvane::winsock::WSAStartup;
 #define POLLHUP 0x0002
 #define POLLNVAL 0x0004
 
+#define WSA_NOT_ENOUGH_MEMORY 8
 #define WSAEINTR 10004
-#define WSAEBADF 10009
 #define WSAEACCES 10013
 #define WSAEFAULT 10014
 #define WSAEINVAL 10022
 #define WSAEMFILE 10024
 #define WSAEWOULDBLOCK 10035
-#define WSAEINPROGRESS 10036
 #define WSAEALREADY 10037
 #define WSAENOTSOCK 10038
-#define WSAEDESTADDRREQ 10039
-#define WSAEMSGSIZE 10040
 #define WSAEPROTOTYPE 10041
 #define WSAENOPROTOOPT 10042
 #define WSAEPROTONOSUPPORT 10043
-#define WSAESOCKTNOSUPPORT 10044
 #define WSAEOPNOTSUPP 10045
 #define WSAEAFNOSUPPORT 10047
 #define WSAEADDRINUSE 10048
@@ -204,12 +194,10 @@ using quorvane::winsock::WSAStartup;
 #define WSAENOBUFS 10055
 #define WSAEISCONN 10056
 #define WSAENOTCONN 10057
-#define WSAESHUTDOWN 10058
 #define WSAETIMEDOUT 10060
 #define WSAECONNREFUSED 10061
 #define WSAEHOSTDOWN 10064
 #define WSAEHOSTUNREACH 10065
-#define WSATYPE_NOT_FOUND 10109
 #define WSAHOST_NOT_FOUND 11001
 #define WSATRY_AGAIN 11002
 #define WSANO_RECOVERY 11003

@@ -18,17 +18,15 @@ struct addrinfo {
 typedef addrinfo ADDRINFOA;
 typedef ADDRINFOA* PADDRINFOA;
 
-typedef int socklen_t;
-
 // Resolves a name or a dotted address to IPv4 stream addresses, in the resolver's order. 0, or a
 // WSA... number that is the last socket error too. The list is freed with freeaddrinfo.
-// Differs from Windows: AI_NUMERICHOST is the only flag, AF_INET the only family answered.
+// Differs from Windows: AI_NUMERICHOST and AI_PASSIVE are the only flags and AF_INET is the only
+// family.
 int getaddrinfo(const char* node, const char* service, const ADDRINFOA* hints, PADDRINFOA* result);
 void freeaddrinfo(PADDRINFOA list);
 
 // 1 for a dotted IPv4 address of four parts, which is stored at `address`; else 0.
 int inet_pton(int family, const char* text, void* address);
-const char* inet_ntop(int family, const void* address, char* text, size_t size);
 
 }  // namespace quorvane::winsock
 
@@ -36,13 +34,8 @@ using quorvane::winsock::addrinfo;
 using quorvane::winsock::ADDRINFOA;
 using quorvane::winsock::freeaddrinfo;
 using quorvane::winsock::getaddrinfo;
-using quorvane::winsock::inet_ntop;
 using quorvane::winsock::inet_pton;
 using quorvane::winsock::PADDRINFOA;
 
 #define AI_PASSIVE 0x1
 #define AI_NUMERICHOST 0x4
-
-#define EAI_NONAME WSAHOST_NOT_FOUND
-#define EAI_AGAIN WSATRY_AGAIN
-#define EAI_FAIL WSANO_RECOVERY

@@ -1,0 +1,57 @@
+// Linux's stream sockets and resolver, apart from its headers, whose names and constants those of
+// winsock2.h would collide with.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace quorvane::host {
+
+// An IPv4 address and a port, both in network byte order.
+struct Endpoint {
+    uint32_t address = 0;
+    uint16_t port = 0;
+};
+
+struct PollEntry {
+    int descriptor = -1;  // negative entries are passed over
+    bool wantsRead = false;
+    bool wantsWrite = false;
+    bool readable = false;
+    bool writable = false;
+    bool failed = false;
+    bool hungUp = false;
+    bool invalid = false;
+};
+
+// All return what the system call does, or minus errno. A signal never ends a call.
+int OpenStream();
+int Bind(int descriptor, const Endpoint& endpoint);
+int Listen(int descriptor, int backlog);
+int Accept(int descriptor, Endpoint& peer);
+int LocalEndpoint(int descriptor, Endpoint& endpoint);
+int Connect(int descriptor, const Endpoint& endpoint);
+long Send(int descriptor, const char* data, std::size_t size);
+long Receive(int descriptor, char* buffer, std::size_t size, bool peek);
+int ShutDown(int descriptor, bool receiving, bool sending);
+int Close(int descriptor);
+int SetBlocking(int descriptor, bool blocking);
+int SetNoDelay(int descriptor, bool noDelay);
+// Takes the socket's pending errno value.
+int TakeError(int descriptor, int& error);
+// `timeout` in milliseconds; negative waits for ever.
+int Poll(std::vector<PollEntry>& entries, int timeout);
+
+enum class Resolution { Found, NoSuchName, NoAddress, TryAgain, OutOfMemory, Failed };
+
+// IPv4 addresses of a host name, of a dotted address, or of any interface for a null name.
+Resolution Resolve(const char* name, const char* service, bool numericOnly, bool passive,
+                   std::vector<Endpoint>& found);
+
+// Port of a service in network byte order, 0 when the service table has none.
+uint16_t ServicePort(const char* name, const char* protocol);
+
+bool ParseAddress(const char* text, uint32_t& address);
+
+}  // namespace quorvane::host

@@ -1,0 +1,70 @@
+#include "socket_errors.h"
+
+#include <winsock2.h>
+
+#include <cerrno>
+
+namespace quorvane::winsock {
+namespace {
+
+thread_local int t_lastError = 0;
+
+struct ErrorPair {
+    int host;
+    int windows;
+};
+
+constexpr ErrorPair kErrors[] = {
+    {EINTR, WSAEINTR},
+    {EBADF, WSAENOTSOCK},
+    {ENOTSOCK, WSAENOTSOCK},
+    {EACCES, WSAEACCES},
+    {EPERM, WSAEACCES},
+    {EFAULT, WSAEFAULT},
+    {EINVAL, WSAEINVAL},
+    {EMFILE, WSAEMFILE},
+    {ENFILE, WSAEMFILE},
+    {EAGAIN, WSAEWOULDBLOCK},
+    {EINPROGRESS, WSAEWOULDBLOCK},  // what Windows says of a connect that goes on
+    {EALREADY, WSAEALREADY},
+    {EPROTOTYPE, WSAEPROTOTYPE},
+    {ENOPROTOOPT, WSAENOPROTOOPT},
+    {EPROTONOSUPPORT, WSAEPROTONOSUPPORT},
+    {EOPNOTSUPP, WSAEOPNOTSUPP},
+    {EAFNOSUPPORT, WSAEAFNOSUPPORT},
+    {EADDRINUSE, WSAEADDRINUSE},
+    {EADDRNOTAVAIL, WSAEADDRNOTAVAIL},
+    {ENETDOWN, WSAENETDOWN},
+    {ENETUNREACH, WSAENETUNREACH},
+    {ENETRESET, WSAENETRESET},
+    {ECONNABORTED, WSAECONNABORTED},
+    {ECONNRESET, WSAECONNRESET},
+    {EPIPE, WSAECONNRESET},  // sending to a peer that has reset the connection before
+    {ENOBUFS, WSAENOBUFS},
+    {ENOMEM, WSAENOBUFS},
+    {EISCONN, WSAEISCONN},
+    {ENOTCONN, WSAENOTCONN},
+    {ETIMEDOUT, WSAETIMEDOUT},
+    {ECONNREFUSED, WSAECONNREFUSED},
+    {EHOSTDOWN, WSAEHOSTDOWN},
+    {EHOSTUNREACH, WSAEHOSTUNREACH},
+};
+
+}  // namespace
+
+int SocketError(int hostError) {
+    for (const ErrorPair& pair : kErrors) {
+        if (pair.host == hostError) return pair.windows;
+    }
+    return WSAEINVAL;
+}
+
+int WSAGetLastError() {
+    return t_lastError;
+}
+
+void WSASetLastError(int error) {
+    t_lastError = error;
+}
+
+}  // namespace quorvane::winsock

@@ -43,15 +43,10 @@ STDAPI GetErrorInfo(ULONG reserved, IErrorInfo** info);
 typedef enum tagREGKIND { REGKIND_DEFAULT = 0, REGKIND_REGISTER = 1, REGKIND_NONE = 2 } REGKIND;
 
 // Differs from Windows: there is one type library, that of the component, and it is loaded
-// whatever the path. TYPE_E_CANTLOADLIBRARY in a program without it.
-STDAPI LoadTypeLib(LPCOLESTR path, ITypeLib** library);
+// whatever the path. TYPE_E_REGISTRYACCESS when it can't be registered.
 STDAPI LoadTypeLibEx(LPCOLESTR path, REGKIND kind, ITypeLib** library);
-STDAPI RegisterTypeLib(ITypeLib* library, LPCOLESTR path, LPCOLESTR helpFolder);
+// Differs from Windows: only the component's own library is known.
 STDAPI UnRegisterTypeLib(REFGUID guid, WORD majorVersion, WORD minorVersion, LCID lcid,
                          SYSKIND kind);
-
-STDAPI DispGetIDsOfNames(ITypeInfo* info, LPOLESTR* names, UINT count, DISPID* ids);
-STDAPI DispInvoke(void* instance, ITypeInfo* info, DISPID member, WORD flags, DISPPARAMS* params,
-                  VARIANT* result, EXCEPINFO* exception, UINT* argumentInError);
 
 #endif

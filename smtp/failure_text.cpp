@@ -103,7 +103,7 @@ WideString ReplyWithoutCodeText(WideView server, CommandView command) {
                       OLESTR(" to the following command: "), command);
 }
 
-WideString BlockedSendText(WideView server, std::string_view command) {
+WideString BlockedSendText(WideView server, CommandView command) {
     return ServerText(server, OLESTR(" did not accept data within specified timeout"),
                       OLESTR(" during the following command: "), command);
 }

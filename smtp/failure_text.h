@@ -27,7 +27,7 @@ WideString ClosedConnectionText(WideView server, CommandView command);
 WideString OverlongReplyText(WideView server, CommandView command);
 WideString ReplyWithoutCodeText(WideView server, CommandView command);
 // The peer stopped taking what is sent to it.
-WideString BlockedSendText(WideView server, std::string_view command);
+WideString BlockedSendText(WideView server, CommandView command);
 // The peer talks on and on without having been asked.
 WideString UnrequestedDataText(WideView server, std::string_view command);
 

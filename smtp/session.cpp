@@ -2,7 +2,6 @@
 
 #include <array>
 #include <string>
-#include <thread>
 #include <utility>
 
 #include "mime/message_composer.h"
@@ -93,7 +92,7 @@ int CSmtp::ConnectWithAttempts(const in_addr& address) {
     for (LONG attempt = 1;; ++attempt) {
         Close();
         if (attempt > 1) {
-            std::this_thread::sleep_for(kAttemptPause);
+            SocketConnection::Pause(kAttemptPause);
         }
         if (CreateAndConnect(address) == 0) {
             return 0;

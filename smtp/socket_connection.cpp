@@ -5,18 +5,32 @@
 #include <algorithm>
 #include <climits>
 #include <string>
+#include <thread>
 
 namespace quorvane {
 namespace {
 
 constexpr USHORT kSmtpPort = 25;
 
-// No single call waits longer, so that whoever has to look at something else meanwhile gets the
-// chance twice a second and more.
+// No single system call waits longer.
 constexpr Milliseconds kWaitStep{400};
 
 // Systems give up well before (21 to 127 seconds); this only keeps a silent one from lasting.
 constexpr Milliseconds kConnectLimit{180'000};
+
+// Takes steps of waiting until one of them ends in something else than TimedOut, or until the
+// limit has passed. Everything that blocks a session comes through here.
+template <typename Step>
+SocketStatus WaitInSteps(Milliseconds limit, const Step& step) {
+    const Stopwatch watch;
+    for (;;) {
+        const SocketStatus status =
+            step(std::clamp(limit - watch.elapsed(), Milliseconds{0}, kWaitStep));
+        if (status != SocketStatus::TimedOut || watch.elapsed() >= limit) {
+            return status;
+        }
+    }
+}
 
 }  // namespace
 
@@ -84,20 +98,13 @@ SocketStatus SocketConnection::Connect(const in_addr& address, USHORT port) {
     if (WSAGetLastError() != WSAEWOULDBLOCK) {
         return Fail();
     }
-    for (const Stopwatch watch; watch.elapsed() < kConnectLimit;) {
-        const SocketStatus status = Wait(POLLOUT, kWaitStep);
-        if (status == SocketStatus::Failed) {
-            return status;
-        }
+    const SocketStatus status = WaitInSteps(kConnectLimit, [this](Milliseconds time) {
+        const SocketStatus ready = Poll(POLLOUT, time);
         // Asked for after every step, since some systems never report a failed connect as ready.
-        if (const int error = TakePendingError()) {
-            return Fail(error);
-        }
-        if (status == SocketStatus::Done) {
-            return status;
-        }
-    }
-    return Fail(WSAETIMEDOUT);
+        const int error = TakePendingError();
+        return ready == SocketStatus::Failed || error == 0 ? ready : Fail(error);
+    });
+    return status == SocketStatus::TimedOut ? Fail(WSAETIMEDOUT) : status;
 }
 
 void SocketConnection::Close() {
@@ -111,23 +118,25 @@ void SocketConnection::Close() {
 }
 
 SocketStatus SocketConnection::Wait(SHORT events, Milliseconds limit) {
-    const Stopwatch watch;
-    for (;;) {
-        const Milliseconds step = std::clamp(limit - watch.elapsed(), Milliseconds{0}, kWaitStep);
-        WSAPOLLFD entry{};
-        entry.fd = m_socket;
-        entry.events = events;
-        const int ready = WSAPoll(&entry, 1, static_cast<INT>(step.count()));
-        if (ready < 0) {
-            return Fail();
-        }
-        if (ready > 0) {
-            return SocketStatus::Done;
-        }
-        if (watch.elapsed() >= limit) {
-            return SocketStatus::TimedOut;
-        }
+    return WaitInSteps(limit, [&](Milliseconds time) { return Poll(events, time); });
+}
+
+SocketStatus SocketConnection::Poll(SHORT events, Milliseconds time) {
+    WSAPOLLFD entry{};
+    entry.fd = m_socket;
+    entry.events = events;
+    const int ready = WSAPoll(&entry, 1, static_cast<INT>(time.count()));
+    if (ready < 0) {
+        return Fail();
     }
+    return ready > 0 ? SocketStatus::Done : SocketStatus::TimedOut;
+}
+
+void SocketConnection::Pause(Milliseconds time) {
+    WaitInSteps(time, [](Milliseconds step) {
+        std::this_thread::sleep_for(step);
+        return SocketStatus::TimedOut;
+    });
 }
 
 SocketStatus SocketConnection::Receive(std::span<char> buffer, std::size_t& count, int flags) {

@@ -1,8 +1,8 @@
 // The plain TCP connection under a session: IPv4 only, one socket, every wait with a limit.
 //
 // The socket doesn't block: calls that would are preceded by a wait for readiness, so that all
-// waiting happens in one function. No signal, socket default or resolver state of the process is
-// changed.
+// waiting (but the resolver's) happens in one function, in short steps. No signal, socket default
+// or resolver state of the process is changed.
 #pragma once
 
 #include <winsock2.h>
@@ -73,11 +73,15 @@ public:
     // as long as the limit.
     SocketStatus Send(std::string_view bytes, Milliseconds limit);
 
+    // Waits for that long and nothing else.
+    static void Pause(Milliseconds time);
+
     // Number of the error of the last operation that Failed.
     int error() const { return m_error; }
 
 private:
     SocketStatus Wait(SHORT events, Milliseconds limit);
+    SocketStatus Poll(SHORT events, Milliseconds time);
     SocketStatus Receive(std::span<char> buffer, std::size_t& count, int flags);
     int TakePendingError();
     SocketStatus Fail();

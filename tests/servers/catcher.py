@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """A mail catcher: accepts every message on a loopback port and keeps it in a folder.
 
 Prints the port it listens on as its first line. Message N becomes two files, N counted from 0001:

@@ -101,7 +101,7 @@ def body_text(path):
 
 
 class Comparison:
-    """Takes the parts of a message one by one, as they are found to be what was meant."""
+    """Takes the parts of a message one by one and judges whether they are what was meant."""
 
     def __init__(self, message):
         self.left = leaves(message)
@@ -120,29 +120,28 @@ class Comparison:
             (equal, f"{label}: {size}, equal to the file sent" if equal
              else f"{label}: {size}, DIFFERS from the file sent ({meant:,} bytes)"))
 
-    def body(self, type_, path):
+    def text(self, type_, meant):
+        """A body of this type, whose text, with CRLF line ends, is the one meant."""
         label = f"{type_} body"
         part = self._take(label, lambda p: p.type == type_ and not p.disposition)
         if part:
-            meant = body_text(path)
             try:
                 equal = part.content.decode(part.charset or "ascii") == meant
             except (LookupError, UnicodeDecodeError):
                 equal = False
             self._judge(equal, label, len(part.content), len(meant.encode()))
 
-    def inline(self, content_id, path):
-        self._file(f"inline {content_id}", path,
-                   lambda p: p.disposition == "inline" and p.content_id == content_id)
+    def inline(self, content_id, meant):
+        self._bytes(f"inline {content_id}", meant,
+                    lambda p: p.disposition == "inline" and p.content_id == content_id)
 
-    def attachment(self, name, path):
-        self._file(f"attachment {name}", path,
-                   lambda p: p.disposition == "attachment" and p.name == name)
+    def attachment(self, name, meant):
+        self._bytes(f"attachment {name}", meant,
+                    lambda p: p.disposition == "attachment" and p.name == name)
 
-    def _file(self, label, path, accept):
+    def _bytes(self, label, meant, accept):
         part = self._take(label, accept)
         if part:
-            meant = pathlib.Path(path).read_bytes()
             self._judge(part.content == meant, label, len(part.content), len(meant))
 
     def finish(self):
@@ -220,7 +219,7 @@ def pair(text):
     key, mark, path = text.rpartition("=")
     if not mark or not key:
         raise argparse.ArgumentTypeError(f"{text}: written as NAME=FILE")
-    return key, path
+    return key, pathlib.Path(path)
 
 
 def arguments():
@@ -249,13 +248,13 @@ def check(raw, expected):
     if expected.html or expected.text or expected.inline or expected.attachment:
         comparison = Comparison(message)
         if expected.text:
-            comparison.body("text/plain", expected.text)
+            comparison.text("text/plain", body_text(expected.text))
         if expected.html:
-            comparison.body("text/html", expected.html)
+            comparison.text("text/html", body_text(expected.html))
         for content_id, path in expected.inline:
-            comparison.inline(content_id, path)
+            comparison.inline(content_id, path.read_bytes())
         for name, path in expected.attachment:
-            comparison.attachment(name, path)
+            comparison.attachment(name, path.read_bytes())
         results += comparison.finish()
     return results
 

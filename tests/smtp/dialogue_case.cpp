@@ -91,11 +91,15 @@ bool ReadSetting(std::string_view line, DialogueCase& result) {
 
 bool ReadExpectation(std::string_view line, DialogueCase& result) {
     std::string_view rest = line;
-    if (TakePrefix(rest, "progress")) {
-        result.progress.emplace();
+    if (rest == "progress any") {
+        result.anyProgress = true;
+    } else if (TakePrefix(rest, "progress")) {
         while (!rest.empty()) {
-            result.progress->push_back(static_cast<unsigned>(TakeNumber(rest)));
+            result.progress.push_back(static_cast<unsigned>(TakeNumber(rest)));
         }
+    } else if (rest == "slow") {
+        result.slow = true;
+        result.deliveries = {Delivery::Whole};
     } else if (TakePrefix(rest, "stop at ")) {
         result.stopAt = static_cast<unsigned>(TakeNumber(rest));
     } else if (TakePrefix(rest, "message holds ")) {

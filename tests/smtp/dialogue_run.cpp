@@ -53,7 +53,9 @@ COutgoingMessage MakeMessage(const DialogueCase& test) {
 }
 
 std::string Quoted(const std::string& text) {
-    return "'" + Printable(text) + "'";
+    std::string quoted = "'";
+    quoted += Printable(text);
+    return quoted += "'";
 }
 
 }  // namespace

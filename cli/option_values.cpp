@@ -30,21 +30,24 @@ std::string Unquote(std::string_view text) {
     return plain;
 }
 
-// Takes ',key=value' off the end of the text, where it stands last; empty when it doesn't.
+// Takes ',key=value' off the end of the text, where it stands last; no key when none does.
 struct Suffix {
-    std::string_view key;
+    std::string_view key;  // with the comma and the equals sign
     std::string_view value;
 };
+constexpr std::string_view kName = ",name=";
+constexpr std::string_view kType = ",type=";
+constexpr std::string_view kContentId = ",cid=";
 Suffix TakeSuffix(std::string_view& text) {
     Suffix last;
-    std::size_t start = text.npos;
-    for (const std::string_view key : {"name", "type", "cid"}) {
-        const auto found = text.rfind("," + std::string(key) + "=");
-        if (found == text.npos || (start != text.npos && found < start)) continue;
+    std::size_t start = 0;
+    for (const std::string_view key : {kName, kType, kContentId}) {
+        const auto found = text.rfind(key);
+        if (found == text.npos || found < start) continue;
         start = found;
-        last = {key, text.substr(found + key.size() + 2)};
+        last = {key, text.substr(found + key.size())};
     }
-    if (start != text.npos) text = text.substr(0, start);
+    if (!last.key.empty()) text = text.substr(0, start);
     return last;
 }
 
@@ -87,11 +90,11 @@ FileArgument ParseFileArgument(std::string_view text) {
     for (Suffix suffix = TakeSuffix(rest); !suffix.key.empty(); suffix = TakeSuffix(rest)) {
         if (suffix.value.empty()) {
             throw UsageError("'" + std::string(text) + "' gives nothing for " +
-                             std::string(suffix.key) + "=.");
+                             std::string(suffix.key.substr(1)) + ".");
         }
-        if (suffix.key == "name") result.name = suffix.value;
-        if (suffix.key == "type") SetType(suffix.value, result);
-        if (suffix.key == "cid") result.contentId = ParseMessageId(suffix.value);
+        if (suffix.key == kName) result.name = suffix.value;
+        if (suffix.key == kType) SetType(suffix.value, result);
+        if (suffix.key == kContentId) result.contentId = ParseMessageId(suffix.value);
     }
     if (rest.empty()) throw UsageError("'" + std::string(text) + "' names no file.");
     result.file = rest;

@@ -40,15 +40,15 @@ Function FileToAttach(file, contentType, name)
     Set FileToAttach = result
 End Function
 
-' What goes out.
+' What goes out. Chr counts in the system's ANSI code page: Windows-1252 here.
 Dim message, picture, menu
 Set message = CreateObject("Quorvane.MailMessage")
-message.SetSender Person("Zo" & ChrW(235) & " Bj" & ChrW(246) & "rk", "zoe@bjork.example")
+message.SetSender Person("Zo" & Chr(235) & " Bj" & Chr(246) & "rk", "zoe@bjork.example")
 message.AddRecipient Person("Ann Miller", "ann@example.org")
 message.AddCcRecipient Person("", "music@example.org")
 message.AddBccRecipient Person("", "archive@bjork.example")
-message.MessageSubject = "Midsummer at Caf" & ChrW(233) & " Bj" & ChrW(246) & "rk " & _
-    ChrW(8211) & " programme and menu"
+message.MessageSubject = "Midsummer at Caf" & Chr(233) & " Bj" & Chr(246) & "rk " & _
+    Chr(150) & " programme and menu"
 
 message.MessageBodyFormat = MailFormatHtml
 message.MessageBody = ReadText("body.html")
@@ -61,7 +61,7 @@ message.AddAttachment picture
 
 message.AddAttachment FileToAttach("programme.pdf", "application/pdf", "programme.pdf")
 
-Set menu = FileToAttach("menu.csv", "text/csv", "Men" & ChrW(252) & ".csv")
+Set menu = FileToAttach("menu.csv", "text/csv", "Men" & Chr(252) & ".csv")
 menu.Charset = "utf-8"
 message.AddAttachment menu
 

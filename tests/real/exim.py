@@ -1,0 +1,187 @@
+"""An Exim of our own: private configuration, spool and log, one loopback port, mail into a folder.
+
+It runs as the user who starts it, or as Exim's own user when that is root. Everything it writes
+lies below the folder that it is given.
+"""
+
+import os
+import pathlib
+import pwd
+import shutil
+import socket
+import subprocess
+import time
+
+BINARY = shutil.which("exim4") or "/usr/sbin/exim4"
+SIZE_LIMIT = 300_000
+USER, PASSWORD = "zoë", "secret pass: word"
+REFUSED = "refused"  # local part of the address that nobody has
+REFUSAL = "Nobody of that name lives here"
+
+CONFIGURATION = r"""
+primary_hostname = exim.test
+spool_directory = {folder}/spool
+log_file_path = {folder}/log/%s
+pid_file_path = {folder}/exim.pid
+exim_user = {user}
+exim_group = {group}
+deliver_drop_privilege = {drop}
+local_interfaces = 127.0.0.1
+daemon_smtp_ports = {port}
+# Nothing is asked of the network and nothing of the host's environment is kept.
+host_lookup =
+rfc1413_hosts =
+tls_advertise_hosts =
+keep_environment =
+message_size_limit = {size_limit}
+smtp_enforce_sync = true
+acl_smtp_rcpt = recipient
+acl_smtp_data = accept
+
+begin acl
+recipient:
+  deny message = {refusal}
+       local_parts = {refused}
+  accept
+
+begin routers
+everyone:
+  driver = accept
+  transport = inbox
+
+begin transports
+inbox:
+  driver = appendfile
+  directory = {folder}/inbox
+  maildir_format
+  use_crlf
+  envelope_to_add
+  return_path_add
+  batch_max = 1000
+  user = {user}
+  group = {group}
+
+begin authenticators
+login:
+  driver = plaintext
+  public_name = LOGIN
+  server_prompts = Username:: : Password::
+  server_condition = ${{if and {{{{eq{{$auth1}}{{{login}}}}} {{eq{{$auth2}}{{{password}}}}}}}}}
+  server_set_id = $auth1
+"""
+
+
+class Message:
+    """A delivered message, and what was said about it before DATA."""
+
+    TRACE = (b"return-path", b"envelope-to", b"received")
+
+    def __init__(self, stored):
+        fields, self.raw = self._split_trace(stored)
+        self.sender = fields[b"return-path"].strip(" <>")
+        self.recipients = [to.strip() for to in fields[b"envelope-to"].split(",")]
+        self.received = fields[b"received"]
+
+    @classmethod
+    def _split_trace(cls, stored):
+        """The fields that the server put in front, and the message as it came."""
+        fields, rest = {}, stored
+        while rest.partition(b":")[0].lower() in cls.TRACE:
+            name, _, value = rest.partition(b":")
+            lines = value.split(b"\r\n")
+            count = 1
+            while lines[count][:1] in (b" ", b"\t"):
+                count += 1
+            fields[name.lower()] = b" ".join(lines[:count]).decode("utf-8")
+            rest = b"\r\n".join(lines[count:])
+        return fields, rest
+
+
+class Exim:
+    def __init__(self, folder):
+        self.folder = pathlib.Path(folder)
+        self.inbox = self.folder / "inbox" / "new"
+        self.port = None
+        self._process = None
+
+    def _free_port(self):
+        with socket.socket() as probe:
+            probe.bind(("127.0.0.1", 0))
+            return probe.getsockname()[1]
+
+    def _configure(self, port):
+        root = os.geteuid() == 0
+        account = pwd.getpwnam("Debian-exim") if root else pwd.getpwuid(os.geteuid())
+        for name in ("spool", "log", "inbox"):
+            (self.folder / name).mkdir(exist_ok=True)
+            if root:
+                os.chown(self.folder / name, account.pw_uid, account.pw_gid)
+        if root:
+            self.folder.chmod(0o711)  # its user has to get to its folders
+        # As the address of the account goes out in the thread's 8-bit character set.
+        login = USER.encode("cp1252").decode("latin-1")
+        configuration = self.folder / "exim.conf"
+        configuration.write_text(CONFIGURATION.format(
+            folder=self.folder, port=port, size_limit=SIZE_LIMIT, refused=REFUSED, refusal=REFUSAL,
+            user=account.pw_name, group=account.pw_gid, drop="false" if root else "true",
+            login=login, password=PASSWORD), encoding="latin-1")
+        return configuration
+
+    def start(self):
+        """Starts it and waits until it listens; tries other ports when another program is faster."""
+        for _ in range(5):
+            port = self._free_port()
+            configuration = self._configure(port)
+            with open(self.folder / "out.log", "wb") as out:
+                self._process = subprocess.Popen(
+                    [BINARY, "-C", str(configuration), "-bdf"], stdin=subprocess.DEVNULL,
+                    stdout=out, stderr=out, env={"PATH": os.environ["PATH"]})
+            if self._listens(port):
+                self.port = port
+                return
+            self.stop()
+        raise RuntimeError("Exim did not start:\n" + self.log())
+
+    def _listens(self, port):
+        for _ in range(200):
+            if self._process.poll() is not None:
+                return False
+            with socket.socket() as probe:
+                if probe.connect_ex(("127.0.0.1", port)) == 0:
+                    return True
+            time.sleep(0.05)
+        return False
+
+    def stop(self):
+        if self._process:
+            self._process.terminate()
+            try:
+                self._process.wait(10)
+            except subprocess.TimeoutExpired:
+                self._process.kill()
+                self._process.wait()
+            self._process = None
+
+    def log(self):
+        return "".join(path.read_text("utf-8", "replace")
+                       for path in [self.folder / "out.log", *self.folder.glob("log/*")]
+                       if path.exists())
+
+    def empty(self):
+        for path in self._stored():
+            path.unlink()
+
+    def _stored(self):
+        return list(self.inbox.iterdir()) if self.inbox.exists() else []
+
+    def wait_for_message(self, seconds=20):
+        """The one message that has been delivered since empty(), as soon as it is there."""
+        deadline = time.monotonic() + seconds
+        while time.monotonic() < deadline:
+            stored = self._stored()
+            if stored:
+                if len(stored) > 1:
+                    raise AssertionError(f"{len(stored)} messages were delivered, not 1")
+                return Message(stored[0].read_bytes())
+            time.sleep(0.02)
+        raise AssertionError("no message was delivered:\n" + self.log())

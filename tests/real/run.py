@@ -1,0 +1,108 @@
+#!/usr/bin/env python3
+"""Runs the tests that send real mail with quorvane-send.
+
+    tests/real/run.py [--native BIN] [--windows BIN] [WORD...]
+
+BIN is the bin folder of a build. Without either, those of build/linux-release and
+build/windows-release are taken as far as they exist. WORDs select tests that have one in their
+name. Prints one line per test and 'N passed, M failed' at the end.
+"""
+
+import argparse
+import sys
+import time
+import unittest
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "servers"))
+
+import test_command_line  # noqa: E402
+import test_relay  # noqa: E402
+from client import ROOT, Client  # noqa: E402
+
+MODULES = (test_relay, test_command_line)
+
+
+class LineResult(unittest.TestResult):
+    """A line for each test as it ends, and what went wrong below it."""
+
+    def __init__(self, system):
+        super().__init__()
+        self.system = system
+        self.failed = 0
+        self._problems = []
+
+    def startTest(self, test):
+        super().startTest(test)
+        self._problems = []
+        self._started = time.monotonic()
+
+    def addError(self, test, error):
+        if isinstance(test, unittest.TestCase):
+            self._problems.append((test, error))
+        else:  # in setUpClass or its like, outside any test
+            self.failed += 1
+            print(f"FAILED  {self.system:8}{test}", flush=True)
+            print(self._exc_info_to_string(error, test), flush=True)
+
+    addFailure = addError
+
+    def addSubTest(self, test, subtest, error):
+        if error:
+            self._problems.append((subtest, error))
+
+    def stopTest(self, test):
+        name = test.id().rpartition(".")[2].removeprefix("test_").replace("_", " ")
+        seconds = time.monotonic() - self._started
+        print(f"{'FAILED' if self._problems else 'ok':8}{self.system:8}{name} ({seconds:.1f} s)",
+              flush=True)
+        for problem, error in self._problems:
+            text = self._exc_info_to_string(error, test)
+            print(f"    {problem}\n    " + text.replace("\n", "\n    "), flush=True)
+        self.failed += bool(self._problems)
+        super().stopTest(test)
+
+
+def selected(words):
+    loader = unittest.TestLoader()
+    for module in MODULES:
+        for suite in loader.loadTestsFromModule(module):
+            for test in suite:
+                if not words or any(word in test.id() for word in words):
+                    yield test
+
+
+def run(client, system, words):
+    """Numbers of tests that passed and that failed with this client."""
+    result = LineResult(system)
+    for module in MODULES:
+        for value in vars(module).values():
+            if isinstance(value, type) and issubclass(value, unittest.TestCase):
+                value.client = client
+    unittest.TestSuite(selected(words)).run(result)
+    return result.testsRun - result.failed if result.testsRun else 0, result.failed
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
+    parser.add_argument("--native", metavar="BIN", help="bin folder of a Linux build")
+    parser.add_argument("--windows", metavar="BIN", help="bin folder of a Windows build")
+    parser.add_argument("words", nargs="*", metavar="WORD", help="run the tests with it in the name")
+    options = parser.parse_args()
+    folders = {"native": options.native, "windows": options.windows}
+    if not any(folders.values()):
+        for system, preset in (("native", "linux-release"), ("windows", "windows-release")):
+            folder = ROOT / "build" / preset / "bin"
+            if (folder / "quorvane-send").exists() or (folder / "quorvane-send.exe").exists():
+                folders[system] = folder
+    passed = failed = 0
+    for system, folder in folders.items():
+        if folder:
+            good, bad = run(Client(Path(folder), system == "windows"), system, options.words)
+            passed, failed = passed + good, failed + bad
+    print(f"{passed} passed, {failed} failed")
+    return 1 if failed or not passed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

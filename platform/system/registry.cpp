@@ -62,11 +62,14 @@ std::u16string SystemContentType(std::u16string_view path) {
     return FromUtf8(ContentTypeOf(extension));
 }
 
-bool Exists(std::u16string_view path) {
-    if (path.empty()) return true;
+bool IsStored(std::u16string_view path) {
     bool stored = false;
     ReadRegistry([&](const RegistryTree& tree) { stored = tree.Find(path) != nullptr; });
-    return stored || !SystemContentType(path).empty();
+    return stored;
+}
+
+bool Exists(std::u16string_view path) {
+    return path.empty() || IsStored(path) || !SystemContentType(path).empty();
 }
 
 bool FindValue(std::u16string_view path, std::u16string_view name, RegistryValue& value) {
@@ -118,11 +121,13 @@ LSTATUS RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD, LPWSTR, DWORD, REGSAM,
         if (!result || !subKey) return ERROR_INVALID_PARAMETER;
         if (!PathOf(key, subKey, path)) return ERROR_INVALID_HANDLE;
         bool isNew = false;
-        const LSTATUS error = ChangeRegistry([&](RegistryTree& tree) {
-            if (!path.empty()) tree.Create(path, isNew);
-            return ERROR_SUCCESS;
-        });
-        if (error != ERROR_SUCCESS) return error;
+        if (!path.empty() && !IsStored(path)) {
+            const LSTATUS error = ChangeRegistry([&](RegistryTree& tree) {
+                tree.Create(path, isNew);
+                return ERROR_SUCCESS;
+            });
+            if (error != ERROR_SUCCESS) return error;
+        }
         *result = AddKey(std::move(path));
         if (disposition) *disposition = isNew ? REG_CREATED_NEW_KEY : REG_OPENED_EXISTING_KEY;
         return ERROR_SUCCESS;

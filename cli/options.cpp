@@ -30,6 +30,28 @@ const std::map<std::string, MailPriority> kPriorities = {
 
 constexpr std::string_view kStandardInput = "-";
 
+// Help that shows each option with the kind of its value and nothing else.
+class PlainHelp : public CLI::Formatter {
+public:
+    PlainHelp() { column_width(34); }
+    std::string make_usage(const CLI::App*, std::string) const override {
+        return "Usage: quorvane-send --server HOST[:PORT] --from ADDRESS --to ADDRESS... "
+               "[OPTION...]\n";
+    }
+    std::string make_option_opts(const CLI::Option* option) const override {
+        return option->get_type_size() == 0 ? "" : " " + option->get_type_name();
+    }
+};
+
+// Checks that leave the help as it is.
+CLI::Validator Between(int lowest, int highest) {
+    return CLI::Range(lowest, highest).description("");
+}
+template <typename Value>
+CLI::Validator OneOf(const std::map<std::string, Value>& words) {
+    return CLI::IsMember(&words).description("");
+}
+
 template <typename Value>
 CLI::Option* AddValue(CLI::App& app, const char* name, Value& value, const char* type,
                       const char* help) {
@@ -59,9 +81,9 @@ void DefineServer(CLI::App& app, Options& options, Raw& raw) {
     AddLater(app, raw, "--spa", "Log in with NTLM (not available yet)");
     AddLater(app, raw, "--ssl", "Encrypt the connection (not available yet)");
     AddValue(app, "--timeout", options.timeout, "SECONDS", "Time to wait for each reply: 30")
-        ->check(CLI::Range(1, 86400));
+        ->check(Between(1, 86400));
     AddValue(app, "--attempts", options.attempts, "N", "How often to try to connect: 2")
-        ->check(CLI::Range(1, 1000));
+        ->check(Between(1, 1000));
     AddValue(app, "--helo", options.helo, "NAME", "Name to introduce this computer by");
 }
 
@@ -75,7 +97,7 @@ void DefineHeader(CLI::App& app, Options& options, Raw& raw) {
     AddValue(app, "--subject", options.subject, "TEXT", "Subject");
     AddList(app, "--header", raw.headers, "'NAME: VALUE'", "Further header field *");
     AddValue(app, "--priority", raw.priority, "LEVEL", "high, normal or low")
-        ->check(CLI::IsMember(&kPriorities).description(""));
+        ->check(OneOf(kPriorities));
     app.add_flag("--read-receipt", options.readReceipt, "Ask for a receipt when it is read");
     AddValue(app, "--message-id", raw.messageId, "ID", "Message identifier of your own");
 }
@@ -96,7 +118,7 @@ void DefineContent(CLI::App& app, Options& options, Raw& raw) {
     AddValue(app, "--alt-charset", options.alternativeCharset, "NAME",
              "Character set of the text beside it");
     AddValue(app, "--encoding", raw.encoding, "NAME", "default, 7bit, 8bit, qp or base64")
-        ->check(CLI::IsMember(&kEncodings).description(""));
+        ->check(OneOf(kEncodings));
     AddList(app, "--attach", raw.attach, "FILE[,name=N][,type=T]", "File to attach *");
     AddList(app, "--inline", raw.inlined, "FILE,cid=ID", "File that the HTML shows as cid:ID *");
 }
@@ -104,7 +126,7 @@ void DefineContent(CLI::App& app, Options& options, Raw& raw) {
 void DefineSending(CLI::App& app, Options& options, Raw& raw) {
     app.option_defaults()->group("Sending");
     AddValue(app, "--count", options.count, "N", "Send the message N times")
-        ->check(CLI::Range(1, 1000000));
+        ->check(Between(1, 1000000));
     AddLater(app, raw, "--async", "Send through the queue (not available yet)");
     app.add_option_function<int>(
            "--threads", [&raw](int) { raw.later = "--threads"; },
@@ -113,7 +135,7 @@ void DefineSending(CLI::App& app, Options& options, Raw& raw) {
     app.add_flag("--json", options.json, "Print each outcome as a line of JSON");
     app.add_flag("--quiet", options.quiet, "Print nothing when all is sent");
     app.set_help_flag("--help", "Show this text");
-    app.set_version_flag("--version", "quorvane-send " QUORVANE_VERSION);
+    app.set_version_flag("--version", "quorvane-send " QUORVANE_VERSION, "Show the version");
 }
 
 // Takes '--name=value' apart, which the parser would misread when the value is empty.
@@ -216,9 +238,12 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
     for (const std::string& argument : arguments) RequireText(argument, "An argument");
     Options options;
     Raw raw;
-    CLI::App app{
-        "Sends a message through a mail server. Options with * may be given several times.",
-        "quorvane-send"};
+    CLI::App app{"Sends a message through a mail server.", "quorvane-send"};
+    app.formatter(std::make_shared<PlainHelp>());
+    app.footer(
+        "Options marked * may be given several times.
+        "
+        "Exit status: 0 sent, 1 tried and not sent, 2 wrong use.");
     app.allow_windows_style_options(false);
     DefineServer(app, options, raw);
     DefineHeader(app, options, raw);

@@ -1,20 +1,5 @@
-// Dialogues between a session and a scripted server, read from files of cases.
-//
-// A case is what the server does, the calls made on a session, and what each must give:
-//
-//     case second-recipient-refused
-//     to bob@example.test                  message and settings; see ReadSetting for all of them
-//     to carol@example.test
-//     as usual until RCPT                  the beginning of the dialogue in usual.txt
-//     C: RCPT TO: <bob@example.test>
-//     S: 550 No such user                  (all that a script can say: tests/servers/script.h)
-//     as usual from QUIT                   its end
-//     call connect = 0
-//     call send = 550 "550 No such user"
-//     call close
-//
-// "call wait" waits until the server has said all that it says before the client's next words.
-// '#' begins a comment line.
+// Dialogues between a session and a scripted server, read from files of cases. How a case is
+// written stands in tests/smtp/cases/README.md.
 #pragma once
 
 #include <optional>

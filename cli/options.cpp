@@ -241,8 +241,7 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
     CLI::App app{"Sends a message through a mail server.", "quorvane-send"};
     app.formatter(std::make_shared<PlainHelp>());
     app.footer(
-        "Options marked * may be given several times.
-        "
+        "Options marked * may be given several times.\n"
         "Exit status: 0 sent, 1 tried and not sent, 2 wrong use.");
     app.allow_windows_style_options(false);
     DefineServer(app, options, raw);

@@ -91,7 +91,8 @@ namespace {
 
 // Turns a value that somebody else owns into one that owns its text or its reference.
 HRESULT Own(VARIANT& value) {
-    if (value.vt == VT_BSTR && value.bstrVal) {
+    if (value.vt == VT_BSTR) {
+        // The copy of a null text is an empty one.
         value.bstrVal = SysAllocStringByteLen(reinterpret_cast<LPCSTR>(value.bstrVal),
                                               SysStringByteLen(value.bstrVal));
         if (!value.bstrVal) return E_OUTOFMEMORY;

@@ -74,10 +74,10 @@ __extension__ struct tagVARIANT {
                 ULONGLONG* pullVal;
                 INT* pintVal;
                 UINT* puintVal;
-                struct {
+                __extension__ struct {
                     PVOID pvRecord;
                     IRecordInfo* pRecInfo;
-                } brecVal;
+                };
             };
         };
         DECIMAL decVal;

@@ -130,7 +130,8 @@ constexpr Lead LeadOf(unsigned char c) {
 }
 
 // Decodes the character at the front, which isn't ASCII, and returns how many bytes it took. A
-// malformed sequence ends before the first byte that can't continue it, and is one U+FFFD.
+// malformed sequence is one U+FFFD. It ends before a byte that never continues a sequence, and
+// behind one that makes the character too long, too large or a surrogate: so counts Windows.
 std::size_t DecodeUtf8(std::string_view bytes, char32_t& c) {
     const auto first = static_cast<unsigned char>(bytes[0]);
     Lead lead = LeadOf(first);
@@ -141,7 +142,8 @@ std::size_t DecodeUtf8(std::string_view bytes, char32_t& c) {
     for (int left = lead.following; left > 0; --left, ++used) {
         if (used == bytes.size()) return used;
         const auto next = static_cast<unsigned char>(bytes[used]);
-        if (next < lead.low || next > lead.high) return used;
+        if (next < 0x80 || next > 0xBF) return used;
+        if (next < lead.low || next > lead.high) return used + 1;
         lead.low = 0x80;
         lead.high = 0xBF;
         value = value << 6 | (next & 0x3F);

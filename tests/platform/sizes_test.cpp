@@ -30,7 +30,7 @@ static_assert(sizeof(DISPID) == 4 && sizeof(LCID) == 4 && sizeof(VARTYPE) == 2);
 static_assert(sizeof(GUID) == 16 && alignof(GUID) == 4);
 static_assert(sizeof(VARIANT) == 24 && offsetof(VARIANT, vt) == 0);
 static_assert(offsetof(VARIANT, lVal) == 8 && offsetof(VARIANT, bstrVal) == 8);
-static_assert(offsetof(VARIANT, brecVal) == 8 && sizeof(DECIMAL) == 16);
+static_assert(offsetof(VARIANT, pRecInfo) == 16 && sizeof(DECIMAL) == 16);
 static_assert(sizeof(DISPPARAMS) == 24 && offsetof(DISPPARAMS, cNamedArgs) == 20);
 static_assert(sizeof(EXCEPINFO) == 64 && offsetof(EXCEPINFO, scode) == 56);
 static_assert(offsetof(EXCEPINFO, bstrSource) == 8 && offsetof(EXCEPINFO, dwHelpContext) == 32);

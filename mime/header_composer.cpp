@@ -1,9 +1,8 @@
 #include "mime/header_composer.h"
 
-#include <fmt/format.h>
-
+#include <charconv>
 #include <concepts>
-#include <cstdlib>
+#include <iterator>
 #include <string_view>
 
 #include "mime/header_text.h"
@@ -74,6 +73,15 @@ private:
     HeaderList& headers_;
 };
 
+// Appends the number with as many digits at least.
+void AppendNumber(ULONG number, std::size_t digits, std::string& out) {
+    char text[10];
+    const auto end = std::to_chars(std::begin(text), std::end(text), number).ptr;
+    const auto size = static_cast<std::size_t>(end - text);
+    if (size < digits) out.append(digits - size, '0');
+    out.append(text, size);
+}
+
 // 0 is Sunday. Days since a Sunday, counted in years that begin in March.
 int DayOfWeek(int year, int month, int day) {
     constexpr int kMonthShift[] = {0, 3, 2, 5, 0, 3, 5, 1, 4, 6, 2, 4};
@@ -129,10 +137,23 @@ std::string FormatDate(const SYSTEMTIME& local, LONG utcOffset) {
     constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                        "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     const int month = local.wMonth >= 1 && local.wMonth <= 12 ? local.wMonth : 1;
-    const char* const day = kDays[DayOfWeek(local.wYear, month, local.wDay)];
-    return fmt::format("{}, {} {} {:04} {}:{:02}:{:02} {}{:04}", day, local.wDay,
-                       kMonths[month - 1], local.wYear, local.wHour, local.wMinute, local.wSecond,
-                       utcOffset > 0 ? '+' : '-', std::abs(static_cast<long long>(utcOffset)));
+    std::string date = kDays[DayOfWeek(local.wYear, month, local.wDay)];
+    date += ", ";
+    AppendNumber(local.wDay, 1, date);
+    date += ' ';
+    date += kMonths[month - 1];
+    date += ' ';
+    AppendNumber(local.wYear, 4, date);
+    date += ' ';
+    AppendNumber(local.wHour, 1, date);
+    date += ':';
+    AppendNumber(local.wMinute, 2, date);
+    date += ':';
+    AppendNumber(local.wSecond, 2, date);
+    date += utcOffset > 0 ? " +" : " -";
+    const auto offset = static_cast<ULONG>(utcOffset);
+    AppendNumber(utcOffset > 0 ? offset : 0 - offset, 4, date);
+    return date;
 }
 
 std::string GeneratedMessageId(const UniqueStamp& stamp, WideView senderAddress) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "mime/base64.h"
+#include "mime/text_conversion.h"
 
 namespace quorvane {
 namespace {
@@ -24,7 +25,8 @@ WideView HeaderCharset(const COutgoingMessage& message) {
 }
 
 std::string EncodedWord(WideView text, WideView charset) {
-    const std::string bytes = ConvertText(text, charset);
+    std::string bytes;
+    AppendConverted(text, charset, bytes);
     std::string word = "=?" + CharsetLabel(charset) + "?B?";
     word.reserve(word.size() + Base64Size(bytes.size()) + 2);
     AppendBase64(BytesOf(bytes), word);
@@ -43,18 +45,6 @@ std::string QuotedString(WideView text) {
 }
 
 }  // namespace
-
-bool IsUnicodeCharset(WideView charset) {
-    return EqualIgnoreCase(charset, kUnicodeCharset);
-}
-
-std::string ConvertText(WideView text, WideView charset) {
-    return IsUnicodeCharset(charset) ? ToUtf8(text) : LowBytes(text);
-}
-
-std::string CharsetLabel(WideView charset) {
-    return IsUnicodeCharset(charset) ? "utf-8" : ToAnsi(charset);
-}
 
 std::string EncodeHeaderText(const COutgoingMessage& message, WideView text, bool isPhrase) {
     if (std::any_of(text.begin(), text.end(), [](WCHAR c) { return c > kLastPlain; })) {

@@ -23,12 +23,22 @@ bool IsLineBreak(char c) {
     return c == '\r' || c == '\n';
 }
 
-// True when the value holds a character that must not go out unseen. Most values don't, so this
-// looks at all of it instead of stopping early, which lets the compiler use vectors.
-bool NeedsCare(std::string_view value) {
-    bool found = false;
-    for (const char c : value) found |= IsLineBreak(c) || c == '\0';
-    return found;
+bool StartsBlank(std::string_view text) {
+    return text.starts_with(' ') || text.starts_with('\t');
+}
+
+// True when the value can go out as it is: its only line breaks are CRLF with a blank or tab
+// behind, and it holds no zero byte.
+bool IsFolded(std::string_view value) {
+    while (!value.empty()) {
+        const auto special = std::find_if(value.begin(), value.end(),
+                                          [](char c) { return IsLineBreak(c) || c == '\0'; });
+        value.remove_prefix(static_cast<std::size_t>(special - value.begin()));
+        if (value.empty()) break;
+        if (!value.starts_with("\r\n") || !StartsBlank(value.substr(2))) return false;
+        value.remove_prefix(3);
+    }
+    return true;
 }
 
 void AppendFolded(std::string& out, std::string_view value) {
@@ -38,7 +48,7 @@ void AppendFolded(std::string& out, std::string_view value) {
         value.remove_prefix(pair ? 2 : 1);
         if (IsLineBreak(c)) {
             out += "\r\n";
-            if (!value.starts_with(' ') && !value.starts_with('\t')) out += ' ';
+            if (!StartsBlank(value)) out += ' ';
         } else {
             out += c == '\0' ? '?' : c;
         }
@@ -53,7 +63,7 @@ void AppendHeaderLine(std::string& out, std::string_view name,
     out += ": ";
     const std::size_t start = out.size();
     for (const std::string_view piece : value) out += piece;
-    if (NeedsCare(std::string_view(out).substr(start))) {
+    if (!IsFolded(std::string_view(out).substr(start))) {
         const std::string raw = out.substr(start);
         out.resize(start);
         AppendFolded(out, raw);

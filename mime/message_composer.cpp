@@ -10,6 +10,7 @@
 #include "mime/header_text.h"
 #include "mime/header_writer.h"
 #include "mime/part_content.h"
+#include "mime/text_conversion.h"
 #include "mime/transfer_encoding.h"
 
 namespace quorvane {
@@ -52,7 +53,8 @@ public:
         OrderAttachments();
         MakeBoundaries();
         ComposeTopHeaders();
-        for (const CBodyPart& part : message_.bodyParts) bodies_.push_back(LoadBody(part));
+        bodies_.reserve(message_.bodyParts.size());
+        for (const CBodyPart& part : message_.bodyParts) bodies_.emplace_back(part);
         out_.clear();
         out_.reserve(SizeEstimate() + kTerminatorSize);
         WriteTopHeaders();
@@ -125,7 +127,7 @@ private:
             size += field.name.size() + field.value.size() + 4;
         }
         for (const BodyContent& body : bodies_) {
-            size += kFixedTexts + EncodedSizeEstimate(body.bytes, body.encoding);
+            size += kFixedTexts + body.SizeEstimate();
         }
         for (const CAttachmentPart* part : attachments_) {
             size += kFixedTexts + 8 * part->name.size() + AttachmentSizeEstimate(*part);
@@ -180,7 +182,7 @@ private:
         } else {
             AppendHeaderLine(out_, kContentType, {type});
         }
-        const std::string_view encoding = TransferEncodingName(content.encoding);
+        const std::string_view encoding = TransferEncodingName(content.Encoding());
         if (encoding.empty()) {
             out_ += kLineEnd;  // content that couldn't be read: nothing follows
         } else {
@@ -188,7 +190,7 @@ private:
         }
         WriteContentId(part);
         out_ += kLineEnd;
-        EncodeBody(content.bytes, content.encoding, out_);
+        content.AppendTo(out_);
     }
 
     void WriteContentId(const CPartInfo& part) {

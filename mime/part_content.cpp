@@ -3,13 +3,43 @@
 #include <array>
 
 #include "mime/base64.h"
-#include "mime/header_text.h"
+#include "mime/quoted_printable.h"
+#include "mime/text_conversion.h"
+#include "mime/wrap_lines.h"
 
 namespace quorvane {
 namespace {
 
 LONG ChosenEncoding(LONG encoding, std::string_view bytes) {
     return encoding == EncodingDefault ? ChooseTransferEncoding(bytes) : encoding;
+}
+
+// These encodings treat each line for itself.
+bool IsLineEncoding(LONG encoding) {
+    return encoding == Encoding7Bit || encoding == Encoding8Bit ||
+           encoding == EncodingQuotedPrintable;
+}
+
+// Size of the text when it is converted and encoded: what a unit beyond ASCII, one of three bytes
+// in UTF-8 and an escaped one take more than one byte.
+std::size_t TextSizeEstimate(WideView text, bool isUtf8, bool isQuotedPrintable) {
+    const unsigned beyondAscii = (isUtf8 ? 1 : 0) + (isQuotedPrintable ? (isUtf8 ? 4 : 2) : 0);
+    const unsigned threeBytes = isUtf8 ? (isQuotedPrintable ? 3 : 1) : 0;
+    const unsigned escaped = isQuotedPrintable ? 2 : 0;
+    std::size_t size = text.size();
+    while (!text.empty()) {
+        // A sum of 32 bits for a block lets the compiler use vectors.
+        const WideView block = text.substr(0, 1 << 16);
+        unsigned more = 0;
+        for (const WCHAR c : block) {
+            more += c >= 0x80 ? beyondAscii : 0;
+            more += c >= 0x800 ? threeBytes : 0;
+            more += (c < 0x20) | (c == WCHAR('=')) ? escaped : 0;
+        }
+        size += more;
+        text.remove_prefix(block.size());
+    }
+    return isQuotedPrintable ? QuotedPrintableSizeEstimate(size, 0) : WrapLinesSizeEstimate(size);
 }
 
 std::string_view View(const DataBlock& data) {
@@ -23,16 +53,42 @@ FileReader OpenFile(const CAttachmentPart& part) {
 
 }  // namespace
 
-BodyContent LoadBody(const CBodyPart& part) {
-    BodyContent content;
-    if (part.file.empty()) {
-        content.bytes = ConvertText(part.text, part.charset);
-    } else if (!FileReader(part.file, 0).ReadAll(content.bytes)) {
-        content.bytes.clear();
-        return content;
+BodyContent::BodyContent(const CBodyPart& part) : part_(part) {
+    if (!part.file.empty()) {
+        if (!FileReader(part.file, 0).ReadAll(bytes_)) return;
+    } else if (IsLineEncoding(part.encoding)) {
+        converts_ = true;
+    } else {
+        bytes_.reserve(part.text.size());
+        AppendConverted(part.text, part.charset, bytes_);
     }
-    content.encoding = ChosenEncoding(part.encoding, content.bytes);
-    return content;
+    encoding_ = ChosenEncoding(part.encoding, bytes_);
+}
+
+std::size_t BodyContent::SizeEstimate() const {
+    if (!converts_) return EncodedSizeEstimate(bytes_, encoding_);
+    const bool isUtf8 = IsUnicodeCharset(part_.charset);
+    return TextSizeEstimate(part_.text, isUtf8, encoding_ == EncodingQuotedPrintable);
+}
+
+void BodyContent::AppendTo(std::string& out) const {
+    if (converts_) {
+        AppendText(out);
+    } else {
+        EncodeBody(bytes_, encoding_, out);
+    }
+}
+
+void BodyContent::AppendText(std::string& out) const {
+    constexpr std::size_t kPiece = 4096;  // UTF-16 units, and the rest of a line
+    WideView text = part_.text;
+    std::string bytes;
+    // The content ends at the first zero byte.
+    while (!text.empty() && bytes.find('\0') == std::string::npos) {
+        bytes.clear();
+        AppendConverted(TakeLines(text, kPiece), part_.charset, bytes);
+        EncodeBody(bytes, encoding_, out);
+    }
 }
 
 AttachmentContent::AttachmentContent(const CAttachmentPart& part)

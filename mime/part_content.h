@@ -10,14 +10,27 @@
 
 namespace quorvane {
 
-// A body part's bytes and the encoding for them.
-struct BodyContent {
-    std::string bytes;
-    LONG encoding = EncodingDefault;  // chosen; EncodingDefault stays for a file that is unreadable
-};
+// A body part's content. The part must outlive it.
+class BodyContent {
+public:
+    // Converts the text, unless that can be done while it is encoded, or reads the part's file,
+    // unconverted, which nothing else may have open.
+    explicit BodyContent(const CBodyPart& part);
 
-// Converts the part's text, or reads its file, unconverted, which nothing else may have open.
-BodyContent LoadBody(const CBodyPart& part);
+    // 1 to 4; EncodingDefault for a file that can't be read, which has no content.
+    LONG Encoding() const { return encoding_; }
+    std::size_t SizeEstimate() const;
+    // Appends the encoded content.
+    void AppendTo(std::string& out) const;
+
+private:
+    void AppendText(std::string& out) const;
+
+    const CBodyPart& part_;
+    bool converts_ = false;  // the text is converted while it is encoded
+    std::string bytes_;      // otherwise
+    LONG encoding_ = EncodingDefault;
+};
 
 // An attachment's bytes: in memory, or in a file that will be encoded as it is read.
 class AttachmentContent {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "mime/eight_bytes.h"
 #include "mime/line_buffer.h"
 
 namespace quorvane {
@@ -10,25 +11,47 @@ namespace {
 
 constexpr std::size_t kLineLimit = 76;
 constexpr std::size_t kSoftLimit = kLineLimit - 1;  // leaves room for the '=' of a soft break
-constexpr std::string_view kSoftBreak = "=\r\n";
 
-constexpr bool NeedsEscape(unsigned char c) {
-    if (c == '\r' || c == '\n' || c == '\t') return false;
-    return c < 0x20 || c == '=' || c >= 0x7F;
+constexpr bool IsPlain(char c) {
+    return c >= ' ' && c <= '~' && c != '=';
 }
 
-constexpr std::array<bool, 256> MakeEscapeTable() {
-    std::array<bool, 256> table{};
-    for (unsigned c = 0; c < table.size(); ++c)
-        table[c] = NeedsEscape(static_cast<unsigned char>(c));
-    return table;
+constexpr bool NeedsEscape(char c) {
+    return !IsPlain(c) && c != '\r' && c != '\n' && c != '\t';
 }
 
-constexpr std::array<bool, 256> kEscaped = MakeEscapeTable();
-
-bool IsEscaped(char c) {
-    return kEscaped[static_cast<unsigned char>(c)];
+constexpr EightBytes NotPlain(EightBytes bytes) {
+    return (~AtLeast(bytes, ' ') & kHighBits) | AtLeast(bytes, 0x7F) | EqualTo(bytes, '=');
 }
+
+// Copies plain characters up to the first other one, `size` at most; tells how many.
+std::size_t CopyPlain(const char* from, std::size_t size, char* to) {
+    std::size_t count = 0;
+    while (count + 8 <= size) {
+        const EightBytes bytes = LoadEight(from + count);
+        std::memcpy(to + count, &bytes, 8);
+        if (const EightBytes others = NotPlain(bytes)) return count + FirstPassed(others);
+        count += 8;
+    }
+    while (count < size && IsPlain(from[count])) {
+        to[count] = from[count];
+        ++count;
+    }
+    return count;
+}
+
+using Escape = std::array<char, 3>;
+
+constexpr std::array<Escape, 256> MakeEscapes() {
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    std::array<Escape, 256> escapes{};
+    for (std::size_t c = 0; c < escapes.size(); ++c) {
+        escapes[c] = {'=', kDigits[c >> 4], kDigits[c & 0x0F]};
+    }
+    return escapes;
+}
+
+constexpr std::array<Escape, 256> kEscapes = MakeEscapes();
 
 // Writes the lines of one text, one unit after the other: a character or an escape, which no
 // break may split.
@@ -39,72 +62,72 @@ public:
     void Encode(std::string_view text) {
         while (!text.empty()) {
             bool ended = false;
-            EncodeLine(TakeLine(text, ended));
-            if (ended) out_.Put("\r\n");
+            const std::string_view line = TakeLine(text, ended);
+            StartLine(line);
+            if (!line.empty()) EncodeLine(line);
+            if (ended) PutLineEnd();
         }
-        out_.Flush();
+        Flush();
     }
 
 private:
     void EncodeLine(std::string_view line) {
-        column_ = 0;
-        if (line.empty()) return;
         // Only the last unit may fill the line to its end, since no soft break follows it.
-        const char last = line.back();
-        line.remove_suffix(1);
-        while (!line.empty()) {
-            const std::size_t plain = PlainRun(line.substr(0, kSoftLimit - column_));
-            if (plain > 0) {
-                Put(line.substr(0, plain));
-                line.remove_prefix(plain);
-            } else if (column_ == kSoftLimit) {
-                BreakLine();
-            } else {
-                PutEscape(line.front(), kSoftLimit);
-                line.remove_prefix(1);
-            }
+        const char* from = line.data();
+        const char* const last = from + line.size() - 1;
+        while (from != last) {
+            const auto room = static_cast<std::size_t>(lineStart_ + kSoftLimit - to_);
+            const std::size_t rest = static_cast<std::size_t>(last - from);
+            const std::size_t plain = CopyPlain(from, std::min(rest, room), to_);
+            from += plain;
+            to_ += plain;
+            if (from == last) break;
+            PutUnit(from, NeedsEscape(*from), kSoftLimit);
+            ++from;
         }
-        PutLast(last);
+        const bool isBlank = *last == ' ' || *last == '\t';
+        PutUnit(last, isBlank || NeedsEscape(*last), kLineLimit);
     }
 
-    static std::size_t PlainRun(std::string_view text) {
-        std::size_t length = 0;
-        while (length < text.size() && !IsEscaped(text[length])) ++length;
-        return length;
-    }
-
-    void PutLast(char c) {
-        if (IsEscaped(c) || c == ' ' || c == '\t') {
-            PutEscape(c, kLineLimit);
+    // Puts the character in the line, or in the next one when it doesn't fit.
+    void PutUnit(const char* c, bool escaped, std::size_t limit) {
+        const auto column = static_cast<std::size_t>(to_ - lineStart_);
+        if (column + (escaped ? 3 : 1) > limit) {
+            *to_++ = '=';
+            PutLineEnd();
+            StartLine({c, 1});
+        }
+        if (escaped) {
+            const Escape& escape = kEscapes[static_cast<unsigned char>(*c)];
+            to_ = std::copy(escape.begin(), escape.end(), to_);
         } else {
-            Put({&c, 1});
+            *to_++ = *c;
         }
     }
 
-    void PutEscape(char c, std::size_t limit) {
-        constexpr char kDigits[] = "0123456789ABCDEF";
-        const auto byte = static_cast<unsigned char>(c);
-        const char escape[] = {'=', kDigits[byte >> 4], kDigits[byte & 0x0F]};
-        if (column_ + sizeof(escape) > limit) BreakLine();
-        Put({escape, sizeof(escape)});
+    void PutLineEnd() {
+        *to_++ = '\r';
+        *to_++ = '\n';
     }
 
-    void Put(std::string_view units) {
-        if (column_ == 0) {
-            out_.PutLineStart(units);
-        } else {
-            out_.Put(units);
-        }
-        column_ += units.size();
+    // Makes room for a line that begins with the text, of which the columns don't count a doubled
+    // dot.
+    void StartLine(std::string_view text) {
+        constexpr std::ptrdiff_t kLongestLine = kLineLimit + 4;  // dot, soft break, line end
+        if (buffer_.end() - to_ < kLongestLine) Flush();
+        if (text.starts_with('.')) *to_++ = '.';
+        lineStart_ = to_;
     }
 
-    void BreakLine() {
-        out_.Put(kSoftBreak);
-        column_ = 0;
+    void Flush() {
+        out_.append(buffer_.begin(), to_);
+        to_ = buffer_.begin();
     }
 
-    LineBuffer out_;
-    std::size_t column_ = 0;  // characters of the present line, without a doubled dot
+    std::string& out_;
+    std::array<char, 4096> buffer_;
+    char* to_ = buffer_.begin();
+    char* lineStart_ = to_;
 };
 
 }  // namespace
@@ -114,12 +137,18 @@ void EncodeQuotedPrintable(std::string_view text, std::string& out) {
 }
 
 std::size_t QuotedPrintableSizeEstimate(std::string_view text) {
-    const auto escapes =
-        static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
-            return NeedsEscape(static_cast<unsigned char>(c));
-        }));
-    const std::size_t escaped = text.size() + 2 * escapes;
-    return escaped + (escaped / (kSoftLimit - 2) + 1) * (kSoftBreak.size() + 1);
+    std::size_t escapes = 0;
+    std::size_t done = 0;
+    for (; done + 8 <= text.size(); done += 8) {
+        escapes += CountPassed(NotPlain(LoadEight(text.data() + done)));
+    }
+    for (const char c : text.substr(done)) escapes += NeedsEscape(c);
+    return QuotedPrintableSizeEstimate(text.size(), escapes);
+}
+
+std::size_t QuotedPrintableSizeEstimate(std::size_t size, std::size_t escapes) {
+    const std::size_t escaped = size + 2 * escapes;
+    return escaped + (escaped / (kSoftLimit - 2) + 1) * 4;
 }
 
 }  // namespace quorvane

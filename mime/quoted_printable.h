@@ -15,5 +15,7 @@ void EncodeQuotedPrintable(std::string_view text, std::string& out);
 // Size of what EncodeQuotedPrintable appends, for text with ordinary lines; text with many bare
 // CRs or leading dots can take more.
 std::size_t QuotedPrintableSizeEstimate(std::string_view text);
+// The same for text of which only the size and the number of escaped characters are known.
+std::size_t QuotedPrintableSizeEstimate(std::size_t size, std::size_t escapes);
 
 }  // namespace quorvane

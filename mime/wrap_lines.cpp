@@ -13,8 +13,8 @@ constexpr std::string_view kBreakCharacters = "\t -:;.,?!";
 
 using BreakTable = std::array<bool, 256>;
 
-constexpr bool IsMasked(char c) {
-    return static_cast<unsigned char>(c) >= 0x7F;
+constexpr char Masked(char c) {
+    return static_cast<unsigned char>(c) >= 0x7F ? '?' : c;
 }
 
 // A masked byte is a question mark by the time lines are cut, and so a place to cut behind.
@@ -61,9 +61,10 @@ void WrapLines(std::string_view text, TextBytes bytes, std::string& out) {
         WrapAll(text, kEightBitBreaks, out);
         return;
     }
-    const auto start = static_cast<std::ptrdiff_t>(out.size());
+    const std::size_t start = out.size();
     WrapAll(text, kSevenBitBreaks, out);
-    std::replace_if(out.begin() + start, out.end(), IsMasked, '?');
+    char* const wrapped = out.data() + start;
+    std::transform(wrapped, out.data() + out.size(), wrapped, Masked);
 }
 
 std::size_t WrapLinesSizeEstimate(std::size_t textSize) {

@@ -10,6 +10,7 @@
 
 #include "mime/base64.h"
 #include "tests/mime/composing.h"
+#include "tests/mime/reference_encoders.h"
 
 namespace quorvane {
 namespace {
@@ -201,6 +202,32 @@ TEST(Composer, ContentTypesOfAttachments) {
         EXPECT_THAT(AttachmentOf(record),
                     testing::StartsWith("Content-Type: " + c.type + ";\r\n\tname="))
             << c.type;
+    }
+}
+
+// Long texts are converted and encoded piece by piece.
+TEST(Composer, LongBodies) {
+    WideString text;
+    for (int i = 0; text.size() < 30000; ++i) {
+        text += OLESTR("gr\u00FC\u00DFe \u20AC=\U0001F600.");
+        if (i % 7 == 0) text += OLESTR("\r\n.");
+        if (i % 50 == 0) text += OLESTR("\r");
+        if (i % 31 == 0) text += WideString(static_cast<std::size_t>(i), WCHAR('x'));
+    }
+    const WideString oneLine(20000, WCHAR(0xE9));
+    const WideString withZero = text.substr(0, 9000) + WCHAR(0) + text;
+    for (const WideString& body : {text, oneLine, withZero, text + oneLine + text}) {
+        for (const WideString charset : {OLESTR("unicode"), OLESTR("iso-8859-1")}) {
+            for (LONG encoding = 1; encoding <= 4; ++encoding) {
+                COutgoingMessage record = SampleRecord();
+                record.bodyParts.push_back(TextBody(body, charset));
+                record.bodyParts[0].encoding = encoding;
+                const std::string bytes =
+                    charset == OLESTR("unicode") ? ToUtf8(body) : LowBytes(body);
+                EXPECT_TRUE(BodyOf(Compose(record)) == reference::EncodeBody(bytes, encoding))
+                    << "encoding " << encoding << ", " << body.size() << " units";
+            }
+        }
     }
 }
 

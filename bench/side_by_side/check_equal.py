@@ -1,0 +1,82 @@
+"""Checks with Python's email package that the contenders' messages have the same content."""
+
+import email
+import email.header
+import email.policy
+import hashlib
+import re
+import sys
+from pathlib import Path
+
+FIELDS = ("Importance", "X-Priority", "X-MSMail-Priority", "X-Mailer", "X-MimeOLE", "MIME-Version")
+
+
+def undo_transparency(data):
+    """What a server makes of the lines after DATA (RFC 5321 section 4.5.2)."""
+    return re.sub(rb"(^|\r\n)\.", rb"\1", data)
+
+
+def file_name(part):
+    """The attachment's name, out of an encoded word too, which the parser doesn't expect there."""
+    name = part.get_filename()
+    if not name:
+        field = str(dict(part.raw_items()).get("Content-Disposition", ""))
+        word = re.search(r"filename=(=\?\S+\?=)", field)
+        name = word and word.group(1)
+    return name and str(email.header.make_header(email.header.decode_header(name)))
+
+
+def addresses(message, name):
+    return [(a.display_name, a.addr_spec) for a in message[name].addresses]
+
+
+def leaf(part):
+    return {
+        "type": part.get_content_type(),
+        "charset": part.get_content_charset(),
+        "disposition": part.get_content_disposition(),
+        "name": file_name(part),
+        "id": part["Content-ID"] and str(part["Content-ID"]).strip(),
+        "encoding": str(part["Content-Transfer-Encoding"]).lower(),
+        "bytes": hashlib.sha256(part.get_payload(decode=True)).hexdigest(),
+    }
+
+
+def tree(part):
+    if not part.is_multipart():
+        return leaf(part)
+    return [part.get_content_type(), [tree(child) for child in part.iter_parts()]]
+
+
+def content(path, stuffed):
+    data = path.read_bytes()
+    message = email.message_from_bytes(undo_transparency(data) if stuffed else data,
+                                       policy=email.policy.default)
+    result = {name: message[name] for name in FIELDS}
+    result["Subject"] = str(message["Subject"])
+    result["From"] = addresses(message, "From")
+    result["To"] = addresses(message, "To")
+    result["tree"] = tree(message)
+    return result
+
+
+def main(folder):
+    names = sorted({path.name.split(".")[0] for path in folder.glob("*.eml")})
+    different = 0
+    for name in names:
+        own = content(folder / f"{name}.Quorvane.eml", True)
+        for peer in ("libcurl", "GMime"):
+            other = content(folder / f"{name}.{peer}.eml", False)
+            for key in own:
+                if own[key] != other[key]:
+                    different += 1
+                    print(f"{name}: {key} differs between Quorvane and {peer}")
+                    print(f"  {own[key]!r}\n  {other[key]!r}")
+    if not names or different:
+        return 1
+    print(f"equal content by Python's email package: {', '.join(names)}")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(Path(sys.argv[1])))

@@ -1,0 +1,213 @@
+#include <curl/curl.h>
+
+#include <array>
+#include <ctime>
+#include <stdexcept>
+#include <utility>
+
+#include "bench/side_by_side/contenders.h"
+
+// The reader of a MIME tree, by which libcurl gets at the bytes of a message that it sends. Sending
+// is the only public way to them, and it would measure sockets; so these two functions of the
+// static library are called by the names and with the arguments that they have in this version.
+static_assert(LIBCURL_VERSION_MAJOR == 7 && LIBCURL_VERSION_MINOR == 88,
+              "compare with lib/mime.h of this version of libcurl");
+extern "C" {
+CURLcode Curl_mime_prepare_headers(CURL* easy, curl_mimepart* part, const char* contentType,
+                                   const char* disposition, int strategy);
+std::size_t Curl_mime_read(char* buffer, std::size_t size, std::size_t count, void* part);
+curl_off_t Curl_mime_size(curl_mimepart* part);
+}
+
+namespace quorvane::bench {
+namespace {
+
+void Check(CURLcode code) {
+    if (code != CURLE_OK) throw std::runtime_error(curl_easy_strerror(code));
+}
+
+struct EasyCleanup {
+    void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+};
+struct MimeFree {
+    void operator()(curl_mime* mime) const { curl_mime_free(mime); }
+};
+using Mime = std::unique_ptr<curl_mime, MimeFree>;
+
+// Encoded words are not libcurl's business: its callers bring header text ready for the wire.
+std::string HeaderText(const std::string& text) {
+    static constexpr char kAlphabet[] =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    bool ascii = true;
+    for (const char c : text) ascii = ascii && static_cast<unsigned char>(c) < 0x7F;
+    if (ascii) return text;
+    std::string word = "=?utf-8?B?";
+    for (std::size_t i = 0; i < text.size(); i += 3) {
+        unsigned group = 0;
+        for (std::size_t k = i; k < i + 3; ++k) {
+            group = group << 8 | (k < text.size() ? static_cast<unsigned char>(text[k]) : 0u);
+        }
+        for (std::size_t k = 0; k < 4; ++k) {
+            word += i + k > text.size() ? '=' : kAlphabet[group >> (18 - 6 * k) & 0x3F];
+        }
+    }
+    return word + "?=";
+}
+
+std::string Mailbox(const std::string& name, const std::string& address) {
+    const std::string text = HeaderText(name);
+    if (text.empty()) return "<" + address + ">";
+    return (text == name ? '"' + text + '"' : text) + " <" + address + ">";
+}
+
+// A list of header lines that a part or an easy handle takes over.
+class HeaderLines {
+public:
+    void Add(const std::string& line) { list_ = curl_slist_append(list_, line.c_str()); }
+    curl_slist* Release() { return std::exchange(list_, nullptr); }
+
+private:
+    curl_slist* list_ = nullptr;
+};
+
+class CurlContender : public Contender {
+public:
+    CurlContender() : easy_(curl_easy_init()) {}
+
+    std::string Name() const override { return "libcurl"; }
+
+    void Prepare(const Workload& workload) override {
+        workload_ = workload;
+        for (WorkloadAttachment& attachment : workload_.attachments) {
+            attachment.name = HeaderText(attachment.name);
+        }
+    }
+
+    std::string_view Compose() override {
+        const Mime holder(curl_mime_init(easy_.get()));
+        curl_mimepart* const message = curl_mime_addpart(holder.get());
+        Fill(message);
+        curl_mime_headers(message, TopHeaders().Release(), 1);
+        Check(Curl_mime_prepare_headers(easy_.get(), message, nullptr, nullptr, 0));
+        Read(message);
+        return out_;
+    }
+
+private:
+    HeaderLines TopHeaders() const {
+        HeaderLines lines;
+        lines.Add("From: " + Mailbox(workload_.senderName, workload_.senderAddress));
+        std::string to;
+        for (std::size_t i = 0; i < workload_.recipientAddresses.size(); ++i) {
+            if (i > 0) to += ",\r\n\t";
+            to += Mailbox(workload_.recipientNames[i], workload_.recipientAddresses[i]);
+        }
+        lines.Add("To: " + to);
+        lines.Add("Subject: " + HeaderText(workload_.subject));
+        char date[64];
+        const std::time_t now = std::time(nullptr);
+        std::tm local{};
+        localtime_r(&now, &local);
+        std::strftime(date, sizeof(date), "Date: %a, %d %b %Y %H:%M:%S %z", &local);
+        lines.Add(date);
+        lines.Add("Message-ID: <" + std::to_string(++count_) + ".bench." + workload_.senderAddress +
+                  ">");
+        lines.Add("Importance: Normal");
+        lines.Add("X-MSMail-Priority: Normal");
+        lines.Add("X-Priority: 3 (Normal)");
+        lines.Add("X-Mailer: Quorvane ActiveX 4.1 (Lindbrek Quorvane)");
+        lines.Add("X-MimeOLE: Produced By Lindbrek Mime V4.1");
+        lines.Add("MIME-Version: 1.0");
+        return lines;
+    }
+
+    // The tree of the workload: mixed with related with alternative, each only when there is more
+    // than one part in it.
+    void Fill(curl_mimepart* message) {
+        const auto& attachments = workload_.attachments;
+        std::size_t inlineCount = 0;
+        for (const auto& attachment : attachments) inlineCount += !attachment.contentId.empty();
+        curl_mimepart* part = message;
+        if (inlineCount < attachments.size()) {
+            curl_mime* const mixed = AddMultipart(part, "multipart/mixed");
+            part = curl_mime_addpart(mixed);
+            FillRelated(part, inlineCount);
+            for (const auto& attachment : attachments) {
+                if (attachment.contentId.empty()) AddAttachment(mixed, attachment);
+            }
+        } else {
+            FillRelated(part, inlineCount);
+        }
+    }
+
+    void FillRelated(curl_mimepart* part, std::size_t inlineCount) {
+        if (inlineCount == 0) return FillBodies(part);
+        curl_mime* const related = AddMultipart(part, "multipart/related");
+        FillBodies(curl_mime_addpart(related));
+        for (const auto& attachment : workload_.attachments) {
+            if (!attachment.contentId.empty()) AddAttachment(related, attachment);
+        }
+    }
+
+    void FillBodies(curl_mimepart* part) {
+        if (workload_.bodies.size() == 1) return FillBody(part, workload_.bodies[0]);
+        curl_mime* const alternative = AddMultipart(part, "multipart/alternative");
+        for (const WorkloadBody& body : workload_.bodies) {
+            FillBody(curl_mime_addpart(alternative), body);
+        }
+    }
+
+    curl_mime* AddMultipart(curl_mimepart* part, const char* type) {
+        curl_mime* const multipart = curl_mime_init(easy_.get());
+        Check(curl_mime_subparts(part, multipart));
+        curl_mime_type(part, type);
+        return multipart;
+    }
+
+    static void FillBody(curl_mimepart* part, const WorkloadBody& body) {
+        curl_mime_data(part, body.text.data(), body.text.size());
+        curl_mime_type(part, (body.type + "; charset=utf-8").c_str());
+        curl_mime_encoder(part, body.encoding.c_str());
+    }
+
+    static void AddAttachment(curl_mime* mime, const WorkloadAttachment& attachment) {
+        curl_mimepart* const part = curl_mime_addpart(mime);
+        if (attachment.path.empty()) {
+            curl_mime_data(part, attachment.data.data(), attachment.data.size());
+        } else {
+            Check(curl_mime_filedata(part, attachment.path.c_str()));
+        }
+        curl_mime_filename(part, attachment.name.c_str());
+        curl_mime_type(part, attachment.type.c_str());
+        curl_mime_encoder(part, "base64");
+        if (attachment.contentId.empty()) return;
+        HeaderLines lines;
+        lines.Add("Content-Disposition: inline; filename=\"" + attachment.name + "\"");
+        lines.Add("Content-ID: <" + attachment.contentId + ">");
+        curl_mime_headers(part, lines.Release(), 1);
+    }
+
+    void Read(curl_mimepart* message) {
+        const curl_off_t size = Curl_mime_size(message);
+        out_ = std::string();
+        if (size > 0) out_.reserve(static_cast<std::size_t>(size));
+        std::array<char, 65536> piece;  // as large as libcurl's own for sending
+        while (const std::size_t count = Curl_mime_read(piece.data(), 1, piece.size(), message)) {
+            if (count > piece.size()) throw std::runtime_error("libcurl can't read the message");
+            out_.append(piece.data(), count);
+        }
+    }
+
+    std::unique_ptr<CURL, EasyCleanup> easy_;
+    Workload workload_;
+    mutable unsigned long count_ = 0;
+    std::string out_;
+};
+
+}  // namespace
+
+std::unique_ptr<Contender> MakeCurlContender() {
+    return std::make_unique<CurlContender>();
+}
+
+}  // namespace quorvane::bench

@@ -251,14 +251,19 @@ inline std::string StatusText(HRESULT status) {
     return text;
 }
 
-// The error information that a failed call left for this thread. Only an object that says it sets
-// any for the interface is believed: what another object left behind is not about this call.
+// The text that a failed call left for this thread. It is taken for this call's only when the
+// object says that it sets any for the interface and the information names that interface: it may
+// be left over from another call, whose failure nobody asked about.
 inline std::string ErrorText(IUnknown* object, REFIID interfaceId) {
     auto support = ComPtr<IUnknown>(object).As<ISupportErrorInfo>();
     if (!support || support->InterfaceSupportsErrorInfo(interfaceId) != S_OK) return {};
     ComPtr<IErrorInfo> info;
+    GUID about{};
     Bstr text;
-    if (GetErrorInfo(0, info.Put()) != S_OK || FAILED(info->GetDescription(text.Put()))) return {};
+    if (GetErrorInfo(0, info.Put()) != S_OK || FAILED(info->GetGUID(&about)) ||
+        about != interfaceId || FAILED(info->GetDescription(text.Put()))) {
+        return {};
+    }
     return text.utf8();
 }
 

@@ -4,6 +4,7 @@
 
 #include <mutex>
 
+#include "automation/boundary.h"
 #include "automation/com_ptr.h"
 #include "automation/module.h"
 
@@ -31,9 +32,11 @@ HRESULT OwnTypeLibrary(ComPtr<ITypeLib>& out) {
 
 HRESULT GetOwnTypeInfo(REFIID iid, ITypeInfo** out) {
     *out = nullptr;
-    ComPtr<ITypeLib> library;
-    const HRESULT hr = OwnTypeLibrary(library);
-    return FAILED(hr) ? hr : library->GetTypeInfoOfGuid(iid, out);
+    return Guarded([&] {
+        ComPtr<ITypeLib> library;
+        const HRESULT hr = OwnTypeLibrary(library);
+        return FAILED(hr) ? hr : library->GetTypeInfoOfGuid(iid, out);
+    });
 }
 
 }  // namespace quorvane

@@ -25,10 +25,18 @@ std::string Narrow(UINT codePage, WideView text) {
         return out;
     }
     const int units = ConversionLength(text.size());
-    const int bytes =
-        WideCharToMultiByte(codePage, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
+    // A character that only resembles one of the code page must not turn into it: what looks like
+    // a letter of an address could become a bracket. UTF-8 as a code page doesn't know the flag.
+    DWORD flags = codePage == CP_UTF8 ? 0 : WC_NO_BEST_FIT_CHARS;
+    int bytes =
+        WideCharToMultiByte(codePage, flags, text.data(), units, nullptr, 0, nullptr, nullptr);
+    if (bytes == 0 && flags != 0) {
+        flags = 0;
+        bytes =
+            WideCharToMultiByte(codePage, flags, text.data(), units, nullptr, 0, nullptr, nullptr);
+    }
     out.resize(static_cast<std::size_t>(std::max(bytes, 0)));
-    WideCharToMultiByte(codePage, 0, text.data(), units, out.data(), bytes, nullptr, nullptr);
+    WideCharToMultiByte(codePage, flags, text.data(), units, out.data(), bytes, nullptr, nullptr);
     return out;
 }
 
@@ -45,6 +53,18 @@ WideString Widen(UINT codePage, std::string_view bytes) {
 template <class Character>
 constexpr Character FoldAscii(Character c) {
     return c >= Character('A') && c <= Character('Z') ? Character(c + 32) : c;
+}
+
+template <class View>
+View DropLeadingSpace(View text) {
+    while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);
+    return text;
+}
+
+template <class View>
+View DropTrailingSpace(View text) {
+    while (!text.empty() && IsSpace(text.back())) text.remove_suffix(1);
+    return text;
 }
 
 template <class View>
@@ -104,13 +124,15 @@ HRESULT ToBstr(WideView text, BSTR* out) {
 }
 
 WideView TrimLeft(WideView text) {
-    while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);
-    return text;
+    return DropLeadingSpace(text);
 }
 
 WideView TrimRight(WideView text) {
-    while (!text.empty() && IsSpace(text.back())) text.remove_suffix(1);
-    return text;
+    return DropTrailingSpace(text);
+}
+
+std::string_view Trim(std::string_view text) {
+    return DropLeadingSpace(DropTrailingSpace(text));
 }
 
 bool EqualIgnoreCase(WideView a, WideView b) {

@@ -37,14 +37,17 @@ WideString FromBstr(BSTR text);
 HRESULT ToBstr(WideView text, BSTR* out);
 
 // True for the characters that the C library calls white space: blank, tab, LF, VT, FF, CR.
-constexpr bool IsSpace(WCHAR c) {
-    return c == WCHAR(' ') || (c >= WCHAR('\t') && c <= WCHAR('\r'));
+template <class Character>
+constexpr bool IsSpace(Character c) {
+    return c == Character(' ') || (c >= Character('\t') && c <= Character('\r'));
 }
+// Without the white space at the beginning, at the end, at both.
 WideView TrimLeft(WideView text);
 WideView TrimRight(WideView text);
 inline WideView Trim(WideView text) {
     return TrimLeft(TrimRight(text));
 }
+std::string_view Trim(std::string_view text);
 
 // Compares, ignoring the case of ASCII letters only.
 bool EqualIgnoreCase(WideView a, WideView b);

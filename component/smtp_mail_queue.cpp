@@ -1,22 +1,32 @@
-// The queue of SmtpMail. Its members answer E_NOTIMPL: this version sends synchronously only.
+// The queue of SmtpMail. Its members answer E_NOTIMPL: this version sends synchronously only. Their
+// out-parameters are cleared all the same, since callers free them.
 #include "component/smtp_mail.h"
 
 namespace quorvane {
+namespace {
 
-STDMETHODIMP CSmtpMail::SendAsync(IMailMessage*, VARIANT_BOOL, LONG*) {
+template <class Value>
+HRESULT NotImplemented(Value* out) {
+    if (out) *out = Value{};
     return E_NOTIMPL;
 }
 
-STDMETHODIMP CSmtpMail::GetStatus(LONG, MailStatus*) {
-    return E_NOTIMPL;
+}  // namespace
+
+STDMETHODIMP CSmtpMail::SendAsync(IMailMessage*, VARIANT_BOOL, LONG* messageNumber) {
+    return NotImplemented(messageNumber);
 }
 
-STDMETHODIMP CSmtpMail::GetErrorCode(LONG, LONG*) {
-    return E_NOTIMPL;
+STDMETHODIMP CSmtpMail::GetStatus(LONG, MailStatus* messageStatus) {
+    return NotImplemented(messageStatus);
 }
 
-STDMETHODIMP CSmtpMail::GetErrorDescription(LONG, BSTR*) {
-    return E_NOTIMPL;
+STDMETHODIMP CSmtpMail::GetErrorCode(LONG, LONG* errorCode) {
+    return NotImplemented(errorCode);
+}
+
+STDMETHODIMP CSmtpMail::GetErrorDescription(LONG, BSTR* errorDescription) {
+    return NotImplemented(errorDescription);
 }
 
 STDMETHODIMP CSmtpMail::Cancel(LONG) {
@@ -35,8 +45,8 @@ STDMETHODIMP CSmtpMail::put_OnProgressHandler(VARIANT) {
     return E_NOTIMPL;
 }
 
-STDMETHODIMP CSmtpMail::GetQueueSize(LONG*) {
-    return E_NOTIMPL;
+STDMETHODIMP CSmtpMail::GetQueueSize(LONG* queueSize) {
+    return NotImplemented(queueSize);
 }
 
 }  // namespace quorvane

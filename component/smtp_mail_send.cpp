@@ -21,7 +21,7 @@ void ClearOutcome(BSTR* errorMessage, LONG* errorCode) {
 const CMailMessage* OwnMessage(IMailMessage* message) {
     ComPtr<IMailMessageObject> own;
     void* implementation = nullptr;
-    if (FAILED(message->QueryInterface(IID_IMailMessageObject, own.ReceiveVoid())) ||
+    if (FAILED(message->QueryInterface(IID_IMailMessageObject, own.ReceiveVoid())) || !own ||
         FAILED(own->GetMailMessage(&implementation))) {
         return nullptr;
     }
@@ -89,29 +89,46 @@ STDMETHODIMP CSmtpMail::SendScriptable(IMailMessage* message, VARIANT_BOOL useSM
                       [&](BSTR* text) { return Send(message, useSMTPServer, text, errorCode); });
 }
 
-STDMETHODIMP CSmtpMail::SimpleSend(BSTR, BSTR, BSTR, BSTR, BSTR*, LONG*) {
+// The simple sends and their script twins come with a later version. Their out-parameters are
+// cleared all the same, since callers free them.
+
+STDMETHODIMP CSmtpMail::SimpleSend(BSTR from, BSTR to, BSTR subject, BSTR body, BSTR* errorMessage,
+                                   LONG* errorCode) {
+    return SimpleSendAttachment(from, to, subject, body, nullptr, errorMessage, errorCode);
+}
+
+STDMETHODIMP CSmtpMail::SimpleSendScriptable(BSTR from, BSTR to, BSTR subject, BSTR body,
+                                             VARIANT* errorMessage, LONG* errorCode) {
+    return Scriptable(errorMessage, [&](BSTR* text) {
+        return SimpleSend(from, to, subject, body, text, errorCode);
+    });
+}
+
+STDMETHODIMP CSmtpMail::SimpleSendAttachment(BSTR, BSTR, BSTR, BSTR, BSTR, BSTR* errorMessage,
+                                             LONG* errorCode) {
+    ClearOutcome(errorMessage, errorCode);
     return E_NOTIMPL;
 }
 
-STDMETHODIMP CSmtpMail::SimpleSendScriptable(BSTR, BSTR, BSTR, BSTR, VARIANT*, LONG*) {
+STDMETHODIMP CSmtpMail::SimpleSendAttachmentScriptable(BSTR from, BSTR to, BSTR subject, BSTR body,
+                                                       BSTR attachments, VARIANT* errorMessage,
+                                                       LONG* errorCode) {
+    return Scriptable(errorMessage, [&](BSTR* text) {
+        return SimpleSendAttachment(from, to, subject, body, attachments, text, errorCode);
+    });
+}
+
+STDMETHODIMP CSmtpMail::SimpleSendHTML(BSTR, BSTR, BSTR, BSTR, BSTR* errorMessage,
+                                       LONG* errorCode) {
+    ClearOutcome(errorMessage, errorCode);
     return E_NOTIMPL;
 }
 
-STDMETHODIMP CSmtpMail::SimpleSendAttachment(BSTR, BSTR, BSTR, BSTR, BSTR, BSTR*, LONG*) {
-    return E_NOTIMPL;
-}
-
-STDMETHODIMP CSmtpMail::SimpleSendAttachmentScriptable(BSTR, BSTR, BSTR, BSTR, BSTR, VARIANT*,
-                                                       LONG*) {
-    return E_NOTIMPL;
-}
-
-STDMETHODIMP CSmtpMail::SimpleSendHTML(BSTR, BSTR, BSTR, BSTR, BSTR*, LONG*) {
-    return E_NOTIMPL;
-}
-
-STDMETHODIMP CSmtpMail::SimpleSendHTMLScriptable(BSTR, BSTR, BSTR, BSTR, VARIANT*, LONG*) {
-    return E_NOTIMPL;
+STDMETHODIMP CSmtpMail::SimpleSendHTMLScriptable(BSTR from, BSTR to, BSTR subject, BSTR filename,
+                                                 VARIANT* errorMessage, LONG* errorCode) {
+    return Scriptable(errorMessage, [&](BSTR* text) {
+        return SimpleSendHTML(from, to, subject, filename, text, errorCode);
+    });
 }
 
 }  // namespace quorvane

@@ -120,6 +120,7 @@ STDMETHODIMP CMailAttachment::SaveToMemory(unsigned char** pData, LONG* pDataSiz
 }
 
 STDMETHODIMP CMailAttachment::GetMailAttachment(void** implementation) {
+    if (!implementation) return E_INVALIDARG;
     *implementation = this;
     return S_OK;
 }

@@ -59,7 +59,7 @@ HRESULT TakeAttachment(IMailAttachment* attachment, CAttachmentPart& part) {
     ComPtr<IMailAttachmentObject> own;
     void* implementation = nullptr;
     if (SUCCEEDED(attachment->QueryInterface(IID_IMailAttachmentObject, own.ReceiveVoid())) &&
-        SUCCEEDED(own->GetMailAttachment(&implementation))) {
+        own && SUCCEEDED(own->GetMailAttachment(&implementation))) {
         part = static_cast<const CMailAttachment*>(implementation)->Snapshot();
         return S_OK;
     }
@@ -75,8 +75,8 @@ HRESULT Clear(std::vector<Element>& list) noexcept {
 
 // A header text as it is kept: 8-bit, without white space at the ends.
 std::string HeaderText(BSTR text) {
-    const WideString whole = FromBstr(text);
-    return ToAnsi(Trim(whole));
+    const std::string bytes = ToAnsi(FromBstr(text));
+    return std::string(Trim(bytes));
 }
 
 }  // namespace
@@ -261,6 +261,7 @@ STDMETHODIMP CMailMessage::SetReplyTo(IMailAddress* newVal) {
 }
 
 STDMETHODIMP CMailMessage::GetMailMessage(void** implementation) {
+    if (!implementation) return E_INVALIDARG;
     *implementation = this;
     return S_OK;
 }

@@ -35,6 +35,8 @@ TEST(WideString, Utf8RepresentsEverything) {
 TEST(WideString, AnsiKeepsAsciiAndReplacesWhatItCannotRepresent) {
     EXPECT_EQ(ToAnsi(OLESTR("plain <a@b>")), "plain <a@b>");
     EXPECT_EQ(ToAnsi(Units({'a', 0x4E2D, 'b'})), "a?b");
+    // Characters that merely look like one of the code page: A, >, @, blank, minus.
+    EXPECT_EQ(ToAnsi(Units({0x100, 0xFF1E, 0xFF20, 0x3000, 0x2212})), "?????");
     EXPECT_EQ(ToAnsi(Units({0xE9})), "\xE9");
     EXPECT_EQ(FromAnsi("\xE9"), Units({0xE9}));
 }

@@ -147,6 +147,10 @@ TEST_F(Send, AuthenticatesWithTheAccountOfTheSettings) {
 }
 
 TEST_F(Send, WrongUseIsReportedBeforeAnythingIsSent) {
+    // A failed send, whose outcome the checks below have to clear.
+    mail->put_SmtpServer(Bstr(OLESTR("bad host name")));
+    ASSERT_EQ(SendSample(), S_FALSE);
+    mail->put_SmtpServer(nullptr);
     const auto fresh = New<CMailMessage, IMailMessage>();
     const auto noRecipient = New<CMailMessage, IMailMessage>();
     noRecipient->put_Sender(Address(OLESTR("s@x")).Get());
@@ -169,10 +173,11 @@ TEST_F(Send, WrongUseIsReportedBeforeAnythingIsSent) {
     };
     for (const auto& c : cases) {
         code = 77;
-        EXPECT_EQ(mail->Send(c.message, VARIANT_TRUE, text.Receive(), &code), c.status);
+        BSTR stale = reinterpret_cast<BSTR>(&code);
+        EXPECT_EQ(mail->Send(c.message, 1, &stale, &code), c.status) << "any non-zero is true";
         EXPECT_EQ(ErrorInfo(), c.text);
         EXPECT_EQ(code, 0);
-        EXPECT_EQ(text.Get(), nullptr);
+        EXPECT_EQ(stale, nullptr);
         ExpectLastError(0, {});
     }
     cases[3].message->Release();
@@ -216,6 +221,43 @@ TEST_F(Send, ScriptableTwinHandsTheTextOverInAVariant) {
     EXPECT_EQ(outcome.bstrVal, nullptr);
 }
 
+TEST_F(Send, NeverSendsInClearWhatShallBeEncrypted) {
+    ScriptedPeer peer({ParseScript({"S: 220 mx"})}, Delivery::Whole);
+    UsePeer(peer);
+    mail->put_SmtpSSL(1);
+    EXPECT_EQ(SendSample(), S_FALSE);
+    EXPECT_EQ(code, -1);
+    EXPECT_EQ(FromBstr(text.Get()),
+              OLESTR("This version of Quorvane has no encrypted connections yet"));
+    EXPECT_EQ(peer.connections(), 0);
+}
+
+TEST_F(Send, TimeOutOfTheSettingsBoundsTheWait) {
+    ScriptedPeer peer({ParseScript({"S: 220 mx", "C: EHLO client.test"})}, Delivery::Whole);
+    UsePeer(peer);
+    mail->put_ReplyTimeout(1);
+    EXPECT_EQ(SendSample(), S_FALSE);
+    EXPECT_EQ(FromBstr(text.Get()), OLESTR("Mail server 127.0.0.1 did not reply within specified "
+                                           "timeout to the following command: EHLO client.test"));
+}
+
+// Throws where the component least expects it.
+class ThrowingMessage {
+public:
+    virtual HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) { throw 1; }
+    virtual ULONG STDMETHODCALLTYPE AddRef() { return 2; }
+    virtual ULONG STDMETHODCALLTYPE Release() { return 1; }
+};
+
+TEST_F(Send, NoExceptionEscapes) {
+    ThrowingMessage message;
+    EXPECT_EQ(
+        mail->Send(reinterpret_cast<IMailMessage*>(&message), VARIANT_TRUE, text.Receive(), &code),
+        E_FAIL);
+    EXPECT_EQ(ErrorInfo(), "Unexpected exception!");
+    EXPECT_EQ(code, 0);
+}
+
 // What this version doesn't have answers E_NOTIMPL, and nothing else does.
 TEST_F(Send, MembersOfLaterVersionsSaySo) {
     LONG number = 0;
@@ -232,6 +274,15 @@ TEST_F(Send, MembersOfLaterVersionsSaySo) {
     EXPECT_EQ(mail->GetQueueSize(&number), E_NOTIMPL);
     EXPECT_EQ(mail->put_OnStatusChangeHandler(handler), E_NOTIMPL);
     EXPECT_EQ(mail->put_OnProgressHandler(handler), E_NOTIMPL);
+    BSTR stale = reinterpret_cast<BSTR>(&code);
+    EXPECT_EQ(mail->SimpleSend(nullptr, nullptr, nullptr, nullptr, &stale, &code), E_NOTIMPL);
+    EXPECT_EQ(stale, nullptr) << "cleared, since callers free it";
+    EXPECT_EQ(mail->SimpleSendHTML(nullptr, nullptr, nullptr, nullptr, nullptr, &code), E_NOTIMPL);
+    VARIANT outcome;
+    VariantInit(&outcome);
+    EXPECT_EQ(mail->SimpleSendScriptable(nullptr, nullptr, nullptr, nullptr, &outcome, &code),
+              E_NOTIMPL);
+    EXPECT_EQ(outcome.vt, VT_BSTR);
     EXPECT_EQ(message->ImportHTML(Bstr(OLESTR("x.html"))), E_NOTIMPL);
     EXPECT_EQ(mail->Send(message.Get(), VARIANT_FALSE, text.Receive(), &code), E_NOTIMPL);
     EXPECT_EQ(ErrorInfo(), "Direct delivery is not available in this version");

@@ -176,6 +176,13 @@ TEST(AddAttachment, LaterChangesDoNotReachTheMessage) {
     ASSERT_EQ(message->AddAttachment(attachment.Get()), S_OK);
     ASSERT_EQ(Load(attachment.Get(), "second", 6), S_OK);
     ASSERT_EQ(attachment->put_Name(Bstr(OLESTR("two"))), S_OK);
+    MailEncoding nine;
+    StoreEnumeration(9, &nine);
+    ASSERT_EQ(attachment->put_Encoding(nine), S_OK);
+    ASSERT_EQ(attachment->put_Inline(2), S_OK);
+    ASSERT_EQ(attachment->put_ContentType(Bstr(OLESTR("a/b"))), S_OK);
+    ASSERT_EQ(attachment->put_ContentId(Bstr(OLESTR("cid"))), S_OK);
+    ASSERT_EQ(attachment->put_File(Bstr(OLESTR("file"))), S_OK);
     ASSERT_EQ(message->AddAttachment(attachment.Get()), S_OK);
 
     const auto& parts = message->content().attachments;
@@ -184,7 +191,14 @@ TEST(AddAttachment, LaterChangesDoNotReachTheMessage) {
     EXPECT_EQ(parts[0].name, OLESTR("one"));
     EXPECT_EQ(parts[0].encoding, 4);
     EXPECT_EQ(parts[1].data.size(), 6u);
+    EXPECT_EQ(parts[0].charset, OLESTR("")) << "an empty charset stays empty";
+    EXPECT_FALSE(parts[0].isInline);
     EXPECT_EQ(parts[1].name, OLESTR("two"));
+    EXPECT_EQ(parts[1].encoding, 0);
+    EXPECT_TRUE(parts[1].isInline);
+    EXPECT_EQ(parts[1].contentType, OLESTR("a/b"));
+    EXPECT_EQ(parts[1].contentId, OLESTR("cid"));
+    EXPECT_EQ(parts[1].file, OLESTR("file"));
     EXPECT_EQ(message->ClearAttachments(), S_OK);
     EXPECT_TRUE(parts.empty());
 }

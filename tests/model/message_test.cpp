@@ -119,6 +119,9 @@ TEST(MailMessage, ScriptTwinsSetTheSameMembers) {
     EXPECT_EQ(message->content().sender.address, OLESTR("s@x"));
     EXPECT_EQ(message->content().replyTo.name, OLESTR("R"));
     EXPECT_EQ(message->content().replyTo.address, OLESTR("r@x"));
+    ComPtr<IMailAddress> replyTo;
+    ASSERT_EQ(message->get_ReplyTo(replyTo.Receive()), S_OK);
+    EXPECT_EQ(GetString(replyTo.Get(), &IMailAddress::get_Address), OLESTR("r@x"));
 }
 
 TEST(MailMessage, RecipientListsAreSeparateAndKeepOrder) {
@@ -180,12 +183,16 @@ TEST(AddHeader, TrimsReplacesAndMovesToTheEnd) {
     EXPECT_EQ(Headers(*message.Get()), "X-Tag=v;X-B=2;X-A=3;");
     EXPECT_EQ(add(OLESTR("x-a"), OLESTR("")), S_OK) << "case matters, an empty value doesn't";
     EXPECT_EQ(Headers(*message.Get()), "X-Tag=v;X-B=2;X-A=3;x-a=;");
+    EXPECT_EQ(add(OLESTR("X-\u00e9"), OLESTR("\u3000caf\u00e9 \u4e2d ")), S_OK);
+    EXPECT_EQ(message->content().headers.fields().back().name, "X-\xE9");
+    EXPECT_EQ(message->content().headers.fields().back().value, "?caf\xE9 ?");
+    const std::string before = Headers(*message.Get());
     for (WideView empty :
          {WideView(OLESTR("   ")), WideView(OLESTR("")), WideView(OLESTR("\r\n"))}) {
         EXPECT_EQ(add(empty, OLESTR("v")), E_INVALIDARG);
     }
     EXPECT_EQ(message->AddHeader(nullptr, nullptr), E_INVALIDARG);
-    EXPECT_EQ(Headers(*message.Get()), "X-Tag=v;X-B=2;X-A=3;x-a=;");
+    EXPECT_EQ(Headers(*message.Get()), before);
 }
 
 TEST(MailMessage, SupportsErrorInfoForItsInterfaceOnly) {

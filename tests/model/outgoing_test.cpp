@@ -101,16 +101,19 @@ TEST_F(Outgoing, CharsetChoice) {
 TEST_F(Outgoing, OutOfRangeValuesAreMapped) {
     const struct {
         LONG encoding, expectedEncoding, priority, expectedPriority;
-    } cases[] = {{0, 0, 1, 2}, {1, 1, 3, 1}, {4, 4, 5, 0},
-                 {5, 0, 2, 1}, {7, 0, 0, 1}, {-1, 0, -5, 1}};
+    } cases[] = {{0, 0, 1, 2}, {2, 2, 3, 1}, {3, 3, 3, 1}, {1, 1, 3, 1},
+                 {4, 4, 5, 0}, {5, 0, 2, 1}, {7, 0, 0, 1}, {-1, 0, -5, 1}};
     for (const auto& c : cases) {
         MailEncoding encoding;
         MailPriority priority;
         StoreEnumeration(c.encoding, &encoding);
         StoreEnumeration(c.priority, &priority);
+        message->put_AltMessageBody(Bstr(OLESTR("text")));
+        message->put_AltMessageBodyEncoding(encoding);
         message->put_MessageBodyEncoding(encoding);
         message->put_MessagePriority(priority);
         const COutgoingMessage record = Prepare();
+        EXPECT_EQ(record.bodyParts.front().encoding, c.expectedEncoding) << c.encoding;
         EXPECT_EQ(record.bodyParts.back().encoding, c.expectedEncoding) << c.encoding;
         EXPECT_EQ(record.priorityCode, c.expectedPriority) << c.priority;
     }

@@ -30,4 +30,19 @@ HINSTANCE ModuleInstance() {
     return g_instance;
 }
 
+WideString ModulePath() {
+    constexpr std::size_t kLongestPath = 0x8000;
+    WideString path(MAX_PATH, WCHAR(0));
+    for (;;) {
+        const DWORD length =
+            GetModuleFileNameW(ModuleInstance(), path.data(), static_cast<DWORD>(path.size()));
+        if (length < path.size()) {
+            path.resize(length);
+            return path;
+        }
+        if (path.size() >= kLongestPath) return {};
+        path.resize(path.size() * 2);
+    }
+}
+
 }  // namespace quorvane

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include "automation/wide_string.h"
+
 namespace quorvane {
 
 // Counts live objects, threads and server locks. Any thread.
@@ -14,6 +16,8 @@ bool ModuleCanUnload();
 // Remembers the instance handle under which the library's resources are found.
 void ModuleAttach(HINSTANCE instance);
 HINSTANCE ModuleInstance();
+// Full path of the library; empty when it can't be had.
+WideString ModulePath();
 
 // Holds the library for as long as it lives.
 class ModuleReference {

@@ -18,10 +18,9 @@ ITypeLib* g_library = nullptr;
 HRESULT OwnTypeLibrary(ComPtr<ITypeLib>& out) {
     const std::lock_guard lock(g_mutex);
     if (!g_library) {
-        WCHAR path[1024];
-        const DWORD length = GetModuleFileNameW(ModuleInstance(), path, 1024);
-        if (length == 0 || length >= 1024) return TYPE_E_CANTLOADLIBRARY;
-        const HRESULT hr = LoadTypeLibEx(path, REGKIND_NONE, &g_library);
+        const WideString path = ModulePath();
+        if (path.empty()) return TYPE_E_CANTLOADLIBRARY;
+        const HRESULT hr = LoadTypeLibEx(path.c_str(), REGKIND_NONE, &g_library);
         if (FAILED(hr)) return hr;
     }
     out = ComPtr<ITypeLib>(g_library);

@@ -38,7 +38,32 @@ HRESULT ReadProperties(IMailAttachment* attachment, CAttachmentPart& part) {
     return hr;
 }
 
+constexpr DISPID kLoadFromMemory = 8;
+constexpr DISPID kFirstParameter = 0;
+
+// Index of the first parameter among the arguments, which stand in reverse order behind the named
+// ones; their count when it isn't given.
+UINT FirstParameter(const DISPPARAMS& arguments) {
+    for (UINT i = 0; i < arguments.cNamedArgs; ++i) {
+        if (arguments.rgdispidNamedArgs[i] == kFirstParameter) return i;
+    }
+    return arguments.cArgs > arguments.cNamedArgs ? arguments.cArgs - 1 : arguments.cArgs;
+}
+
 }  // namespace
+
+STDMETHODIMP CMailAttachment::Invoke(DISPID id, REFIID iid, LCID locale, WORD flags,
+                                     DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* exception,
+                                     UINT* badArgument) {
+    if (id == kLoadFromMemory && arguments) {
+        const UINT block = FirstParameter(*arguments);
+        if (block < arguments->cArgs && arguments->rgvarg[block].vt != (VT_BYREF | VT_UI1)) {
+            if (badArgument) *badArgument = block;
+            return DISP_E_TYPEMISMATCH;
+        }
+    }
+    return ComObject::Invoke(id, iid, locale, flags, arguments, result, exception, badArgument);
+}
 
 STDMETHODIMP CMailAttachment::get_Name(BSTR* pVal) {
     return GetText(name_, pVal);

@@ -28,6 +28,11 @@ public:
     STDMETHODIMP LoadFromMemory(unsigned char* data, LONG size) override;
     STDMETHODIMP SaveToMemory(unsigned char** pData, LONG* pDataSize) override;
 
+    // A late-bound call hands over a block only by reference: a number in its place would be taken
+    // for a block of one byte, whatever the size says. DISP_E_TYPEMISMATCH then.
+    STDMETHODIMP Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* arguments,
+                        VARIANT* result, EXCEPINFO* exception, UINT* badArgument) override;
+
     // IMailAttachmentObject
     STDMETHODIMP GetMailAttachment(void** implementation) override;
 

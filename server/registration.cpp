@@ -1,5 +1,6 @@
 #include "server/registration.h"
 
+#include <fmt/format.h>
 #include <oleauto.h>
 
 #include "Quorvane.h"
@@ -23,22 +24,6 @@ public:
 private:
     LCID saved_;
 };
-
-// Full path of this library; empty when it can't be had.
-WideString ModulePath() {
-    constexpr std::size_t kLongestPath = 0x8000;
-    WideString path(MAX_PATH, WCHAR(0));
-    for (;;) {
-        const DWORD length =
-            GetModuleFileNameW(ModuleInstance(), path.data(), static_cast<DWORD>(path.size()));
-        if (length < path.size()) {
-            path.resize(length);
-            return path;
-        }
-        if (path.size() >= kLongestPath) return {};
-        path.resize(path.size() * 2);
-    }
-}
 
 WideString GuidText(REFGUID guid) {
     constexpr int kCapacity = 40;
@@ -92,6 +77,12 @@ HRESULT RegisterTypeLibrary(const WideString& module) {
     return LoadTypeLibEx(module.c_str(), REGKIND_REGISTER, library.Receive());
 }
 
+WideString TypeLibraryKey(const TLIBATTR& library) {
+    const std::string place =
+        fmt::format("\\{:x}.{:x}\\{:x}", library.wMajorVerNum, library.wMinorVerNum, library.lcid);
+    return OLESTR("TypeLib\\") + GuidText(library.guid) + WidenBytes(place);
+}
+
 HRESULT UnregisterTypeLibrary(const WideString& module) {
     ComPtr<ITypeLib> library;
     HRESULT hr = LoadTypeLibEx(module.c_str(), REGKIND_NONE, library.Receive());
@@ -100,7 +91,8 @@ HRESULT UnregisterTypeLibrary(const WideString& module) {
     hr = library->GetLibAttr(&attributes);
     if (FAILED(hr)) return hr;
     // UnRegisterTypeLib has one status for a library that isn't registered and for a refusal.
-    if (KeyExists(OLESTR("TypeLib\\") + GuidText(attributes->guid))) {
+    // Another version of it under the same identifier is none of this one's business.
+    if (KeyExists(TypeLibraryKey(*attributes))) {
         hr = UnRegisterTypeLib(attributes->guid, attributes->wMajorVerNum, attributes->wMinorVerNum,
                                attributes->lcid, attributes->syskind);
     }

@@ -3,7 +3,8 @@
 #     . scripts/lib/wine-env.sh PREFIX           # prepares it and points wine at it
 #     . scripts/lib/wine-env.sh --stop PREFIX    # ends its processes and no others
 #
-# An empty PREFIX means $WINEPREFIX, or build/wine-prefix in the repository when that is unset.
+# An empty PREFIX means build/wine-prefix in the repository; never the caller's own prefix, since
+# tests register the component in it.
 # Prefixes that nobody stops end their processes half a minute after the last program.
 
 _wine_env_action=start
@@ -12,7 +13,7 @@ if [ "${1:-}" = --stop ]; then
     shift
 fi
 _wine_env_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-export WINEPREFIX=${1:-${WINEPREFIX:-$_wine_env_root/build/wine-prefix}}
+export WINEPREFIX=${1:-$_wine_env_root/build/wine-prefix}
 export WINEARCH=win64
 export WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES='mscoree,mshtml='  # or it offers to install them

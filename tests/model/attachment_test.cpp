@@ -86,6 +86,33 @@ TEST(MailAttachment, StoresAnyEncodingAndBoolean) {
     EXPECT_EQ(value, 2);
 }
 
+// Late-bound, a number for the block would be read past its end.
+TEST(MailAttachment, LateBoundBlocksComeByReferenceOnly) {
+    const auto attachment = New<CMailAttachment, IMailAttachment>();
+    const struct {
+        VARTYPE kind;
+        UINT named;  // arguments given by name
+    } cases[] = {{VT_UI1, 0}, {VT_I4, 0}, {VT_BSTR, 0}, {VT_UI1, 2}, {VT_EMPTY, 2}};
+    for (const auto& c : cases) {
+        VARIANT arguments[2] = {};
+        DISPID names[2] = {1, 0};
+        arguments[0].vt = VT_I4;
+        arguments[0].lVal = 1000;
+        arguments[1].vt = c.kind;
+        DISPPARAMS parameters{arguments, names, 2, c.named};
+        UINT bad = 77;
+        EXPECT_EQ(attachment->Invoke(8, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters,
+                                     nullptr, nullptr, &bad),
+                  DISP_E_TYPEMISMATCH)
+            << c.kind;
+        EXPECT_EQ(bad, 1u);
+    }
+    unsigned char* data = nullptr;
+    LONG size = -1;
+    EXPECT_EQ(attachment->SaveToMemory(&data, &size), S_OK);
+    EXPECT_EQ(size, 0);
+}
+
 TEST(DataBlock, IsFollowedByAnUncountedZeroAndShared) {
     const BYTE bytes[] = {1, 2, 3, 4, 5};
     const DataBlock block = DataBlock::Copy(bytes);

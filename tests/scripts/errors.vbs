@@ -35,6 +35,10 @@ Failed "missing attachment", invalidArgument, _
     "Couldn't open attachment file C:\no such file.txt", source
 message.ClearAttachments
 
+' A script has no memory block to give; a number must not be taken for one.
+attachment.LoadFromMemory CByte(5), 1000
+Failed "a number for a block", 13, "Type mismatch", engine
+
 code = mail.SendScriptable(Nothing, True, text)
 Failed "no message", 5, "Invalid procedure call or argument", engine
 code = mail.SendScriptable(mail, True, text)

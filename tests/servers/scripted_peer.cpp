@@ -28,6 +28,18 @@ std::vector<std::string_view> Cut(std::string_view bytes, Delivery delivery) {
     return pieces;
 }
 
+template <typename Condition>
+bool WaitFor(const Condition& condition) {
+    const auto deadline = Clock::now() + std::chrono::milliseconds(kPatience);
+    while (!condition()) {
+        if (Clock::now() > deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
 std::string Difference(std::string_view expected, std::string_view actual) {
     const auto [left, right] =
         std::mismatch(expected.begin(), expected.end(), actual.begin(), actual.end());
@@ -225,10 +237,12 @@ void ScriptedPeer::ExpectMessage(std::string bytes) {
     message_ = std::move(bytes);
 }
 
-void ScriptedPeer::WaitUntilListening() const {
-    while (!listening_) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
+bool ScriptedPeer::WaitUntilListening() const {
+    return WaitFor([this] { return listening_.load(); });
+}
+
+bool ScriptedPeer::WaitForEnd() const {
+    return WaitFor([this] { return ended_.load(); });
 }
 
 void ScriptedPeer::Finish() {
@@ -244,6 +258,7 @@ void ScriptedPeer::Run() {
             return;
         }
         Conversation(*this, listener_.Accept()).Play(script);
+        ended_ = true;
     }
     while (WaitForConnection(kPatience)) {
         listener_.Accept();

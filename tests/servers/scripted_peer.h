@@ -24,8 +24,11 @@ public:
     // What "C: (message)" compares with from now on, the terminating line included.
     void ExpectMessage(std::string bytes);
 
-    // Waits until everything has been said that comes before the next words of the client.
-    void WaitUntilListening() const;
+    // Waits until everything has been said that comes before the next words of the client. False
+    // when that doesn't happen within ten seconds.
+    bool WaitUntilListening() const;
+    // Waits until the first connection has come to its end; false after ten seconds.
+    bool WaitForEnd() const;
 
     // Waits until the scripts have been played, or until a deviation or ten seconds of silence
     // ended them, and stops. Afterwards the results can be read.
@@ -49,6 +52,7 @@ private:
     std::atomic<bool> finishing_ = false;  // the client has done all that it will do
     std::atomic<bool> abandoned_ = false;
     std::atomic<bool> listening_ = false;
+    std::atomic<bool> ended_ = false;
     int connections_ = 0;
     std::vector<std::string> deviations_;
     std::thread thread_;

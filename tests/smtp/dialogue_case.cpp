@@ -115,16 +115,15 @@ bool ReadExpectation(std::string_view line, DialogueCase& result) {
     return true;
 }
 
-// connect, send, send-to ADDRESS..., close or wait; then for the first three "= CODE", and the
-// error text that must stand after the call, with `or` between those that may.
+// connect, send, send-to ADDRESS..., close, wait or wait-for-end; then for the first three "=
+// CODE", and the error text that must stand after the call, with `or` between those that may.
 Call ParseCall(std::string_view line) {
     const std::size_t equals = line.find(" = ");
     const std::vector<std::string> words = Words(Trimmed(line.substr(0, equals)));
-    const std::map<std::string, Call::Kind> kinds = {{"connect", Call::Kind::Connect},
-                                                     {"send", Call::Kind::Send},
-                                                     {"send-to", Call::Kind::SendTo},
-                                                     {"close", Call::Kind::Close},
-                                                     {"wait", Call::Kind::WaitForServer}};
+    const std::map<std::string, Call::Kind> kinds = {
+        {"connect", Call::Kind::Connect},    {"send", Call::Kind::Send},
+        {"send-to", Call::Kind::SendTo},     {"close", Call::Kind::Close},
+        {"wait", Call::Kind::WaitForServer}, {"wait-for-end", Call::Kind::WaitForEnd}};
     const auto kind = words.empty() ? kinds.end() : kinds.find(words.front());
     if (kind == kinds.end()) {
         throw std::invalid_argument("an unknown call");

@@ -12,7 +12,7 @@
 namespace quorvane::testing {
 
 struct Call {
-    enum class Kind { Connect, Send, SendTo, Close, WaitForServer };
+    enum class Kind { Connect, Send, SendTo, Close, WaitForServer, WaitForEnd };
     Kind kind;
     std::vector<std::string> recipients{};  // SendTo
     int code = 0;

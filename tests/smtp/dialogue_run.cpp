@@ -116,8 +116,9 @@ int DialogueRun::Perform(const Call& call) {
             session_->Close();
             return 0;
         case Call::Kind::WaitForServer:
-            peer_.WaitUntilListening();
-            return 0;
+            return peer_.WaitUntilListening() ? 0 : -1;
+        case Call::Kind::WaitForEnd:
+            return peer_.WaitForEnd() ? 0 : -1;
     }
     return 0;
 }

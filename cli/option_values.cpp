@@ -76,6 +76,11 @@ Address ParseAddress(std::string_view text) {
         throw UsageError("'" + std::string(text) +
                          "' is no address of the form user@host or Name <user@host>.");
     }
+    // The component takes square brackets for angle brackets and would send to what is between.
+    if (result.address.find_first_of("[]") != result.address.npos) {
+        throw UsageError("The address in '" + std::string(text) +
+                         "' holds square brackets; name the mail server by its domain instead.");
+    }
     if (!IsAscii(result.address)) {
         throw UsageError("The address in '" + std::string(text) +
                          "' holds characters beyond ASCII; mail servers don't take them.");

@@ -18,4 +18,7 @@ std::string ReadInput();
 // as it is, or when there is no such file.
 std::string RemedyForReaders(const std::string& file);
 
+// False for a file name that the component would understand as another path than this system does.
+bool MeansTheSameToTheComponent(std::string_view file);
+
 }  // namespace quorvane::cli::system

@@ -45,4 +45,8 @@ std::string RemedyForReaders(const std::string& file) {
     return "chmod 600 " + Quoted(file);
 }
 
+bool MeansTheSameToTheComponent(std::string_view file) {
+    return file.find('\\') == file.npos && file.substr(0, 2).find(':') != 1;
+}
+
 }  // namespace quorvane::cli::system

@@ -87,4 +87,8 @@ std::string RemedyForReaders(const std::string& file) {
     return "icacls \"" + file + "\" /inheritance:r /grant:r \"%USERNAME%:F\"";
 }
 
+bool MeansTheSameToTheComponent(std::string_view) {
+    return true;
+}
+
 }  // namespace quorvane::cli::system

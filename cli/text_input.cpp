@@ -78,8 +78,16 @@ std::string ReadPassword(const std::string& file) {
 void RequireSendable(const std::string& file) {
     std::error_code error;
     const auto path = PathOf(file);
+    if (!system::MeansTheSameToTheComponent(file)) {
+        throw UsageError("The name " + file +
+                         " holds a backslash or begins like a drive, which the component takes "
+                         "for a Windows path; give the file another name.");
+    }
     if (!std::filesystem::exists(path, error)) return;
     RequireNoFolder(file);
+    if (!std::filesystem::is_regular_file(path, error)) {
+        throw UsageError(file + " is no regular file; save its content to one first.");
+    }
     std::ifstream stream(path, std::ios::binary);
     if (!stream) throw UsageError("Can't read the file " + file + ".");
     if (stream.peek() == std::ifstream::traits_type::eof()) {

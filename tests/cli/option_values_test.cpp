@@ -30,7 +30,7 @@ TEST(OptionValues, Addresses) {
         EXPECT_EQ(address.address, c.address) << c.text;
     }
     for (const char* text : {"", "a", "a@", "@b", "Ann <a@b", "a@b>", "<>", "a b@c", "Ann a@b",
-                             "a@b <c>", "<a@ü>"}) {
+                             "a@b <c>", "<a@ü>", "user@[10.0.0.1]", "Ann <[a]@b>"}) {
         EXPECT_THROW(ParseAddress(text), UsageError) << text;
     }
 }

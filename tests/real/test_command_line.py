@@ -1,6 +1,7 @@
 """How quorvane-send reads its command line, and what it says and sends then."""
 
 import json
+import os
 import re
 import socket
 import tempfile
@@ -48,6 +49,7 @@ class CommandLineTest(SendTest):
             ([*server, "--from", "a", "--to", "b@example.org"], "'a' is no address"),
             ([*simple, "--cc", "Name <c@example.org"], "'Name <c@example.org' is no address"),
             ([*simple, "--cc", "c@exämple.org"], "beyond ASCII"),
+            ([*simple, "--cc", "c@[127.0.0.1]"], "square brackets"),
             (["--server", "host:0", *SIMPLE_ARGUMENTS], "'0' is no port"),
             (["--server", "host:25x", *SIMPLE_ARGUMENTS], "'25x' is no port"),
             (["--server", ":25", *SIMPLE_ARGUMENTS], "names no mail server"),
@@ -83,6 +85,16 @@ class CommandLineTest(SendTest):
             ([*simple, "--user", "u"], "--password-file"),
             ([*simple, "--password-file", latin], "--user"),
         ]
+        if not self.client.windows:
+            pipe = self.folder / "pipe"
+            os.mkfifo(pipe)  # without a writer: opening it would wait for ever
+            self.file("a\\b.txt", "named with a backslash")
+            cases += [
+                ([*simple, "--attach", pipe], "no regular file"),
+                ([*simple, "--body-file", pipe], "no regular file"),
+                ([*simple, "--attach", self.folder / "a\\b.txt"], "holds a backslash"),
+                ([*simple, "--attach", "C:/etc"], "begins like a drive"),
+            ]
         for arguments, fragment in self.some(cases, 6):
             with self.subTest(arguments=arguments):
                 done = self.client.run(*arguments)

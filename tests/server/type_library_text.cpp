@@ -25,7 +25,6 @@ constexpr FlagName kTypeFlags[] = {
     {TYPEFLAG_FDUAL, "dual"},
     {TYPEFLAG_FOLEAUTOMATION, "oleautomation"},
     {TYPEFLAG_FDISPATCHABLE, "dispatchable"},
-    {TYPEFLAG_FHIDDEN, "hidden"},
 };
 constexpr FlagName kImplementedFlags[] = {
     {IMPLTYPEFLAG_FDEFAULT, "default"},
@@ -246,7 +245,7 @@ std::string LibraryHeading(ITypeLib& library) {
 
 }  // namespace
 
-std::string TypeLibraryText(const std::wstring& path) {
+std::string TypeLibraryText(const WideString& path) {
     ComPtr<ITypeLib> library;
     Check(LoadTypeLibEx(path.c_str(), REGKIND_NONE, library.Receive()), "LoadTypeLibEx");
     std::string text = LibraryHeading(*library.Get());

@@ -1,0 +1,96 @@
+// What is about sockets on Linux: signals, and errors that Wine loses.
+#include <winsock2.h>
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+namespace {
+
+class LinuxSocketsTest : public testing::Test {
+protected:
+    void SetUp() override {
+        const SOCKET listener = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        int size = sizeof address;
+        auto* const generic = reinterpret_cast<sockaddr*>(&address);
+        ASSERT_EQ(bind(listener, generic, size), 0);
+        ASSERT_EQ(listen(listener, 1), 0);
+        ASSERT_EQ(getsockname(listener, generic, &size), 0);
+        client_ = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+        ASSERT_EQ(connect(client_, generic, size), 0);
+        peer_ = accept(listener, nullptr, nullptr);
+        closesocket(listener);
+    }
+    void TearDown() override {
+        closesocket(client_);
+        closesocket(peer_);
+    }
+
+    SOCKET client_ = INVALID_SOCKET;
+    SOCKET peer_ = INVALID_SOCKET;
+};
+
+TEST_F(LinuxSocketsTest, ReportAReset) {
+    EXPECT_EQ(send(client_, "x", 1, 0), 1);
+    WSAPOLLFD entry{};
+    entry.fd = peer_;
+    entry.events = POLLIN;
+    EXPECT_EQ(WSAPoll(&entry, 1, 10000), 1);
+    closesocket(peer_);  // with a byte unread
+    entry.fd = client_;
+    EXPECT_EQ(WSAPoll(&entry, 1, 10000), 1);
+    EXPECT_TRUE(entry.revents & (POLLERR | POLLHUP));
+    char byte;
+    EXPECT_EQ(recv(client_, &byte, 1, 0), SOCKET_ERROR);
+    EXPECT_EQ(WSAGetLastError(), WSAECONNRESET);
+    EXPECT_EQ(send(client_, "x", 1, 0), SOCKET_ERROR);
+    EXPECT_EQ(WSAGetLastError(), WSAECONNRESET);
+    peer_ = INVALID_SOCKET;
+}
+
+TEST_F(LinuxSocketsTest, NeverRaiseSigpipe) {
+    struct sigaction action = {};
+    sigaction(SIGPIPE, nullptr, &action);
+    ASSERT_EQ(action.sa_handler, SIG_DFL);  // it would end this process
+    EXPECT_EQ(shutdown(client_, SD_BOTH), 0);
+    EXPECT_EQ(send(client_, "x", 1, 0), SOCKET_ERROR);
+    EXPECT_EQ(WSAGetLastError(), WSAECONNRESET);
+}
+
+// A host's signal, say of a timer, doesn't look like a failure of the connection.
+TEST_F(LinuxSocketsTest, GoOnAfterASignal) {
+    static std::atomic<int> signals{0};
+    struct sigaction action = {};
+    struct sigaction before = {};
+    action.sa_handler = [](int) { ++signals; };  // without SA_RESTART
+    sigaction(SIGUSR1, &action, &before);
+    const pthread_t waiting = pthread_self();
+    std::atomic<bool> finished{false};
+    std::thread sender([&] {
+        for (int i = 0; i < 50 && !finished; ++i) {
+            pthread_kill(waiting, SIGUSR1);
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+        send(peer_, "x", 1, 0);
+    });
+    WSAPOLLFD entry{};
+    entry.fd = client_;
+    entry.events = POLLIN;
+    EXPECT_EQ(WSAPoll(&entry, 1, 20), 0);
+    char byte = 0;
+    EXPECT_EQ(recv(client_, &byte, 1, 0), 1);
+    EXPECT_EQ(byte, 'x');
+    finished = true;
+    sender.join();
+    sigaction(SIGUSR1, &before, nullptr);
+    EXPECT_GT(signals, 0);
+}
+
+}  // namespace

@@ -9,13 +9,13 @@ bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-// No code begins with a zero, and one that did could pass for the 0 that means success.
+// "000" is no code either: it would pass for the 0 that means success.
 int LeadingCode(std::string_view text) {
-    if (text.size() < 3 || !std::all_of(text.begin(), text.begin() + 3, IsDigit) ||
-        text[0] == '0') {
+    if (text.size() < 3 || !std::all_of(text.begin(), text.begin() + 3, IsDigit)) {
         return -1;
     }
-    return (text[0] - '0') * 100 + (text[1] - '0') * 10 + (text[2] - '0');
+    const int code = (text[0] - '0') * 100 + (text[1] - '0') * 10 + (text[2] - '0');
+    return code == 0 ? -1 : code;
 }
 
 }  // namespace

@@ -22,7 +22,7 @@ inline constexpr std::size_t kReplyCapacity = 2048;
 bool IsCompleteReply(std::string_view received);
 
 struct Reply {
-    // The code of the first line, 100 to 999; -1 when the bytes don't begin with one.
+    // The code of the first line, 1 to 999; -1 when the bytes don't begin with one.
     int code = -1;
     // All lines as they came, in the ANSI code page, without trailing white space. NULs show as
     // '?'.

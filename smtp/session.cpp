@@ -257,21 +257,19 @@ int CSmtp::RcptTo(const CAddressEntry& recipient) {
 }
 
 int CSmtp::Data(COutgoingMessage& message) {
+    // From DATA until the reply to the message, a QUIT would be a line of the message: whatever is
+    // thrown meanwhile leaves none owed.
+    const bool greeted = std::exchange(m_greeted, false);
     int reply = SendCommand(WriteCommand("DATA\r\n"));
-    if (reply != 354) {
-        return Reported(reply);
-    }
-    std::string text;
-    try {
+    const bool accepted = reply == 354;
+    if (accepted) {
+        std::string text;
         ComposeMessage(message, text);
         text += kMessageEnd;
-    } catch (...) {
-        // The server waits for a message now: a QUIT would be a line of it.
-        m_greeted = false;
-        throw;
+        reply = m_channel.SendCommand(text, 3LL * m_replyTimeout);
     }
-    reply = m_channel.SendCommand(text, 3LL * m_replyTimeout);
-    return reply == 250 ? 0 : Reported(reply);
+    m_greeted = greeted;
+    return accepted && reply == 250 ? 0 : Reported(reply);
 }
 
 int CSmtp::Quit() {

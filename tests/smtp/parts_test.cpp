@@ -126,7 +126,7 @@ TEST(Reply, HasTheCodeOfItsFirstLineAndAllWords) {
         {"2500 x\r\n", 250, OLESTR("2500 x")},
         {"999 x", 999, OLESTR("999 x")},
         {"100 x", 100, OLESTR("100 x")},
-        {"099 x", -1, OLESTR("099 x")},
+        {"099 x", 99, OLESTR("099 x")},
         {"000 x", -1, OLESTR("000 x")},
         {" 250 x", -1, OLESTR(" 250 x")},
         {"+25 x", -1, OLESTR("+25 x")},

@@ -36,7 +36,11 @@ bool FileReader::Read(std::span<char> piece, std::size_t& count) {
 bool FileReader::ReadAll(std::string& bytes) {
     bytes.clear();
     if (!IsOpen()) return false;
-    bytes.resize(size_);
+    try {
+        bytes.resize(size_);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
     std::size_t count = 0;
     if (!Read(bytes, count)) return false;
     bytes.resize(count);

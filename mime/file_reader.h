@@ -30,7 +30,8 @@ public:
     // read error.
     bool Read(std::span<char> piece, std::size_t& count);
 
-    // Reads the whole file. False when it isn't open or can't be read.
+    // Reads as much as the file had when it was opened. False when it isn't open, can't be read or
+    // there is no memory for it.
     bool ReadAll(std::string& bytes);
 
 private:

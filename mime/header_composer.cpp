@@ -1,5 +1,6 @@
 #include "mime/header_composer.h"
 
+#include <algorithm>
 #include <charconv>
 #include <concepts>
 #include <iterator>
@@ -137,7 +138,7 @@ std::string FormatDate(const SYSTEMTIME& local, LONG utcOffset) {
     constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                        "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     const int month = local.wMonth >= 1 && local.wMonth <= 12 ? local.wMonth : 1;
-    std::string date = kDays[DayOfWeek(local.wYear, month, local.wDay)];
+    std::string date = kDays[DayOfWeek(local.wYear, month, std::max<int>(local.wDay, 1))];
     date += ", ";
     AppendNumber(local.wDay, 1, date);
     date += ' ';

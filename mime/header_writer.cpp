@@ -6,25 +6,26 @@
 namespace quorvane {
 namespace {
 
-constexpr bool IsNameCharacter(char c) {
-    return c > ' ' && c < 0x7F && c != ':';
-}
-
-void AppendName(std::string& out, std::string_view name) {
-    if (name.starts_with('.')) out += '.';
-    const std::size_t start = out.size();
-    out += name;
-    std::replace_if(
-        out.begin() + static_cast<std::ptrdiff_t>(start), out.end(),
-        [](char c) { return !IsNameCharacter(c); }, '?');
-}
-
 bool IsLineBreak(char c) {
     return c == '\r' || c == '\n';
 }
 
 bool StartsBlank(std::string_view text) {
     return text.starts_with(' ') || text.starts_with('\t');
+}
+
+void AppendName(std::string& out, std::string_view name) {
+    if (name.starts_with('.')) out += '.';
+    // A blank in front would make it a part of the field before.
+    if (StartsBlank(name)) {
+        out += '?';
+        name.remove_prefix(1);
+    }
+    const std::size_t start = out.size();
+    out += name;
+    std::replace_if(
+        out.begin() + static_cast<std::ptrdiff_t>(start), out.end(),
+        [](char c) { return IsLineBreak(c) || c == '\0'; }, '?');
 }
 
 // True when the value can go out as it is: its only line breaks are CRLF with a blank or tab

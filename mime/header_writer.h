@@ -12,8 +12,9 @@ namespace quorvane {
 // - a line break in the value (CRLF, CR or LF) that isn't followed by a blank or tab gets a blank
 //   behind it, which makes it a folded line of the same field; CR and LF alone become CRLF;
 // - a zero byte in the value becomes '?';
-// - in the name, each byte that a field name can't hold (anything but printable ASCII; the colon)
-//   becomes '?', and a dot at its start is doubled (RFC 5321 section 4.5.2).
+// - in the name, CR, LF and NUL become '?', and so does a blank at its start, where a dot is
+// doubled
+//   (RFC 5321 section 4.5.2); anything else goes out as it stands.
 void AppendHeaderLine(std::string& out, std::string_view name,
                       std::initializer_list<std::string_view> value);
 

@@ -50,12 +50,12 @@ public:
     Composer(COutgoingMessage& message, std::string& out) : message_(message), out_(out) {}
 
     void Compose() {
+        out_.clear();
         OrderAttachments();
         MakeBoundaries();
         ComposeTopHeaders();
         bodies_.reserve(message_.bodyParts.size());
         for (const CBodyPart& part : message_.bodyParts) bodies_.emplace_back(part);
-        out_.clear();
         out_.reserve(SizeEstimate() + kTerminatorSize);
         WriteTopHeaders();
         WriteMultipartStarts();

@@ -1,6 +1,8 @@
 #include "mime/part_content.h"
 
+#include <algorithm>
 #include <array>
+#include <span>
 
 #include "mime/base64.h"
 #include "mime/quoted_printable.h"
@@ -112,11 +114,14 @@ bool AttachmentContent::AppendTo(std::string& out) {
 bool AttachmentContent::AppendFile(std::string& out) {
     std::array<char, 1024 * kBase64LineBytes> piece;
     const std::size_t start = out.size();
-    std::size_t count = 0;
-    do {
-        if (!file_.Read(piece, count)) return false;
-        AppendBase64Lines(BytesOf({piece.data(), count}), out);
-    } while (count == piece.size());
+    // What is written to the file meanwhile doesn't count.
+    for (std::size_t left = file_.Size(); left > 0;) {
+        const auto room = std::span(piece).first(std::min(left, piece.size()));
+        std::size_t count = 0;
+        if (!file_.Read(room, count)) return false;
+        AppendBase64Lines(BytesOf({room.data(), count}), out);
+        left = count < room.size() ? 0 : left - count;
+    }
     if (out.size() == start) return false;
     out.resize(out.size() - 2);  // what follows a part brings its own line end
     return true;

@@ -10,6 +10,11 @@ constexpr bool IsHighSurrogate(WCHAR c) {
     return (c & 0xFC00) == 0xD800;
 }
 
+// True when the text begins with a unit other than LF whose low byte is that of LF.
+bool BecomesLineFeed(WideView text) {
+    return !text.empty() && (text[0] & 0xFF) == WCHAR('\n') && text[0] != WCHAR('\n');
+}
+
 // Converts piece by piece: the size of the result isn't known beforehand, and finding it out would
 // cost as much as the conversion.
 void AppendUtf8(WideView text, std::string& out) {
@@ -47,7 +52,11 @@ void AppendConverted(WideView text, WideView charset, std::string& out) {
 WideView TakeLines(WideView& text, std::size_t size) {
     std::size_t end = text.size();
     if (size < text.size()) {
-        const std::size_t cr = text.find(WCHAR('\r'), size);
+        std::size_t cr = text.find(WCHAR('\r'), size);
+        // A unit whose low byte becomes a LF would lose the CR that it follows.
+        while (cr != WideView::npos && BecomesLineFeed(text.substr(cr + 1))) {
+            cr = text.find(WCHAR('\r'), cr + 1);
+        }
         if (cr != WideView::npos) end = cr + 1;
         if (end < text.size() && text[end] == WCHAR('\n')) ++end;
     }

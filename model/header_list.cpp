@@ -1,8 +1,7 @@
 #include "model/header_list.h"
 
-#include <new>
-
 #include "automation/wide_string.h"
+#include "model/growable.h"
 
 namespace quorvane {
 namespace {
@@ -18,10 +17,7 @@ std::size_t FindFirst(const std::vector<HeaderField>& fields, Matches matches) {
 }  // namespace
 
 void HeaderList::Append(std::string_view name, std::string_view value) {
-    try {
-        fields_.push_back({std::string(name), std::string(value)});
-    } catch (const std::bad_alloc&) {
-    }
+    AppendOrDrop(fields_, HeaderField{std::string(name), std::string(value)});
 }
 
 std::size_t HeaderList::Find(std::string_view name) const {

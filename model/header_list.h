@@ -15,7 +15,8 @@ struct HeaderField {
 
 class HeaderList {
 public:
-    // Appends the field; silently doesn't when there is no memory for it.
+    // Appends the field; silently doesn't when the list can't grow. Throws std::bad_alloc when
+    // there is no memory for the texts.
     void Append(std::string_view name, std::string_view value);
 
     // Index of the first field with that name, or npos.

@@ -230,8 +230,9 @@ TEST(HeaderWriter, AFieldStaysOneField) {
         {"A", "b\n\0c"s, "A: b\r\n ?c\r\n"},
         {"A", "\0"s, "A: ?\r\n"},
         {"A\r\nB", "c", "A??B: c\r\n"},
-        {"A: b\nC", "d", "A??b?C: d\r\n"},
-        {" A\0\xE9"s, "b", "?A??: b\r\n"},
+        {"A: b\nC", "d", "A: b?C: d\r\n"},
+        {" A\0\xE9"s, "b", "?A?\xE9: b\r\n"},
+        {"X Y:", "b", "X Y:: b\r\n"},
         {".A", ".b", "..A: .b\r\n"},
         {"A", "\xE9", "A: \xE9\r\n"},
     };

@@ -231,6 +231,27 @@ TEST(Composer, LongBodies) {
     }
 }
 
+// Line ends at the edge of a piece, and units that only become line ends when they are reduced.
+TEST(Composer, LineEndsBetweenPieces) {
+    const WideString ends[] = {OLESTR("\r"), OLESTR("\r\n"), OLESTR("\r\u010A"), OLESTR("\n"),
+                               OLESTR("\u4E0D\u010A")};
+    for (const WideString& end : ends) {
+        for (std::size_t before = 4094; before < 4099; ++before) {
+            const WideString body = WideString(before, WCHAR('x')) + end + OLESTR(".\r\n..") +
+                                    WideString(5000, WCHAR('y'));
+            for (LONG encoding = 1; encoding <= 3; ++encoding) {
+                COutgoingMessage record = SampleRecord();
+                record.bodyParts.push_back(TextBody(body, OLESTR("iso-8859-1")));
+                record.bodyParts[0].encoding = encoding;
+                EXPECT_TRUE(BodyOf(Compose(record)) ==
+                            reference::EncodeBody(LowBytes(body), encoding))
+                    << "encoding " << encoding << ", " << before << " units before "
+                    << testing::PrintToString(end);
+            }
+        }
+    }
+}
+
 std::string BodyWithFile(const WideString& path, LONG encoding = 0) {
     COutgoingMessage record = SampleRecord();
     record.bodyParts.push_back(TextBody(OLESTR("not sent"), OLESTR("unicode")));

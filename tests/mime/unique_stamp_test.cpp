@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <regex>
+#include <set>
 #include <thread>
 #include <vector>
 
@@ -38,9 +39,14 @@ TEST(UniqueStamp, DiffersOnThreadsThatAreSeededAlike) {
 
 TEST(UniqueStamp, TellsTheTimeAndVaries) {
     const ULONG before = GetTickCount();
-    const UniqueStamp stamp = NextStamp();
-    // Other tests may have drawn stamps faster than the clock ticks.
-    EXPECT_LT(stamp.tick - before, 60000u);
+    std::set<ULONG> randoms;
+    for (int i = 0; i < 1000; ++i) {
+        const UniqueStamp stamp = NextStamp();
+        // Other tests may have drawn stamps faster than the clock ticks.
+        EXPECT_LT(stamp.tick - before, 60000u);
+        randoms.insert(stamp.random >> 5);  // stamps that only count up share these bits
+    }
+    EXPECT_GT(randoms.size(), 30u);
 }
 
 TEST(UniqueStamp, BoundaryText) {

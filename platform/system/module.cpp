@@ -24,7 +24,21 @@ HINSTANCE OwnInstance() {
     return reinterpret_cast<HINSTANCE>(&g_module);
 }
 
+char g_path[PATH_MAX];
+
+// Keeps the absolute path of the file that this code was loaded from; empty when it can't be told.
+// Done once at load, since the host may change its folder later.
+void FindOwnPath() {
+    Dl_info info;
+    link_map* map = nullptr;
+    if (!dladdr1(&g_module, &info, reinterpret_cast<void**>(&map), RTLD_DL_LINKMAP)) return;
+    // The program itself has no name in the list of loaded objects.
+    const bool isProgram = map->l_name[0] == '\0';
+    if (!realpath(isProgram ? "/proc/self/exe" : map->l_name, g_path)) g_path[0] = '\0';
+}
+
 __attribute__((constructor)) void Attach() {
+    FindOwnPath();
     if (DllMain) DllMain(OwnInstance(), DLL_PROCESS_ATTACH, nullptr);
 }
 
@@ -32,21 +46,10 @@ __attribute__((destructor)) void Detach() {
     if (DllMain) DllMain(OwnInstance(), DLL_PROCESS_DETACH, nullptr);
 }
 
-// Absolute path of the file that this code was loaded from; empty when it can't be told.
-std::string OwnPath() {
-    Dl_info info;
-    link_map* map = nullptr;
-    if (!dladdr1(&g_module, &info, reinterpret_cast<void**>(&map), RTLD_DL_LINKMAP)) return {};
-    // The program itself has no name in the list of loaded objects.
-    const bool isProgram = map->l_name[0] == '\0';
-    char path[PATH_MAX];
-    return realpath(isProgram ? "/proc/self/exe" : map->l_name, path) ? path : "";
-}
-
 }  // namespace
 
 DWORD GetModuleFileNameW(HMODULE, LPWSTR path, DWORD size) {
-    const std::u16string own = quorvane::platform::FromUtf8(OwnPath());
+    const std::u16string own = quorvane::platform::FromUtf8(g_path);
     if (own.empty() || size == 0) {
         SetLastError(own.empty() ? ERROR_GEN_FAILURE : ERROR_INSUFFICIENT_BUFFER);
         return 0;

@@ -29,7 +29,7 @@ private:
     int value_;
 };
 
-// The folder of the file (XDG base directory specification); empty when the user has no home.
+// The folder of the file (XDG base directories); empty when the user has no home.
 std::string Folder() {
     const char* data = std::getenv("XDG_DATA_HOME");
     if (data && data[0] == '/') return std::string(data) + "/quorvane";
@@ -69,16 +69,19 @@ bool WriteWhole(int descriptor, std::string_view text) {
     return true;
 }
 
-// What tells one state of the file from another: each one is a file of its own.
+// What tells one state of the file from another: each one is a file of its own. Two states that
+// follow each other quickly can still look alike, so only readers rely on it.
 struct Version {
     std::string path;
     dev_t device = 0;
     ino_t inode = 0;
+    off_t size = 0;
     timespec changed{};
 
     bool operator==(const Version& other) const {
         return path == other.path && device == other.device && inode == other.inode &&
-               changed.tv_sec == other.changed.tv_sec && changed.tv_nsec == other.changed.tv_nsec;
+               size == other.size && changed.tv_sec == other.changed.tv_sec &&
+               changed.tv_nsec == other.changed.tv_nsec;
     }
 };
 
@@ -87,25 +90,31 @@ std::mutex g_mutex;
 Version g_version;
 RegistryTree g_tree;
 
-// Brings g_tree up to date with the file. The mutex is held.
-void Refresh(const std::string& folder) {
+// Brings g_tree up to date with the file; a file that isn't there is an empty one. False, with an
+// empty tree, when the file can't be read. The mutex is held.
+bool Refresh(const std::string& folder, bool evenIfItLooksTheSame) {
     Version version;
     version.path = folder + "/registry";
     const Descriptor file(open(version.path.c_str(), O_RDONLY | O_CLOEXEC));
     struct stat status;
     if (!file || fstat(file.get(), &status) != 0) {
+        const bool isMissing = !file && errno == ENOENT;
         g_version = {};
         g_tree = {};
-        return;
+        return isMissing;
     }
     version.device = status.st_dev;
     version.inode = status.st_ino;
+    version.size = status.st_size;
     version.changed = status.st_mtim;
-    if (version == g_version) return;
+    if (version == g_version && !evenIfItLooksTheSame) return true;
     std::string text;
+    g_version = {};
     g_tree = {};
-    if (ReadWhole(file.get(), text)) g_tree.Parse(text);
+    if (!ReadWhole(file.get(), text)) return false;
+    g_tree.Parse(text);
     g_version = std::move(version);
+    return true;
 }
 
 bool Store(const std::string& folder, const RegistryTree& tree) {
@@ -122,7 +131,12 @@ bool Store(const std::string& folder, const RegistryTree& tree) {
 
 void ReadRegistry(const std::function<void(const RegistryTree&)>& use) {
     const std::lock_guard guard(g_mutex);
-    Refresh(Folder());
+    const std::string folder = Folder();
+    if (folder.empty()) {
+        use({});
+        return;
+    }
+    Refresh(folder, false);
     use(g_tree);
 }
 
@@ -137,7 +151,8 @@ LSTATUS ChangeRegistry(const std::function<LSTATUS(RegistryTree&)>& change) {
     while (flock(lock.get(), LOCK_EX) != 0) {
         if (errno != EINTR) return ERROR_ACCESS_DENIED;
     }
-    Refresh(folder);
+    // What can't be read must not be replaced.
+    if (!Refresh(folder, true)) return ERROR_ACCESS_DENIED;
     RegistryTree tree = g_tree;
     const LSTATUS answer = change(tree);
     if (answer != ERROR_SUCCESS) return answer;

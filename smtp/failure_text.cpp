@@ -114,13 +114,13 @@ WideString UnrequestedDataText(WideView server, std::string_view command) {
 }
 
 WideString LineBreakText(WideView what, WideView value) {
-    return Join({what, OLESTR(" holds a line break or a NUL character and can't be sent: "),
+    return Join({what, OLESTR(" holds a line break or a NUL character and can't be used: "),
                  ShownBeginning(value)});
 }
 
 WideString TooLongText(WideView what, WideView value, std::size_t limit) {
     return Join({what, OLESTR(" is longer than "), Number(static_cast<long long>(limit)),
-                 OLESTR(" bytes and can't be sent: "), ShownBeginning(value)});
+                 OLESTR(" bytes and can't be used: "), ShownBeginning(value)});
 }
 
 WideString WrongCredentialsText() {

@@ -166,7 +166,9 @@ public:
             try {
                 ReadLine(line, place);
             } catch (const std::invalid_argument& problem) {
-                throw std::runtime_error(place + ": " + problem.what() + ": " + text);
+                std::string what = place;
+                what.append(": ").append(problem.what()).append(": ").append(text);
+                throw std::runtime_error(what);
             }
         }
     }

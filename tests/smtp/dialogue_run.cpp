@@ -12,6 +12,7 @@ const std::string kMessageEnd = "\r\n.\r\n";
 
 std::vector<CAddressEntry> Addresses(const std::vector<std::string>& addresses) {
     std::vector<CAddressEntry> entries;
+    entries.reserve(addresses.size());
     for (const std::string& address : addresses) {
         entries.push_back({WideString(), WidenBytes(address)});
     }

@@ -106,9 +106,8 @@ bool ReadExpectation(std::string_view line, DialogueCase& result) {
         result.wire.push_back(TakeQuoted(rest));
     } else if (TakePrefix(rest, "connections ")) {
         result.accepted = TakeNumber(rest);
-    } else if (TakePrefix(rest, "takes ")) {
-        const int least = TakeNumber(rest);
-        result.duration = {least, (TakePrefix(rest, "to "), TakeNumber(rest))};
+    } else if (TakePrefix(rest, "takes at least ")) {
+        result.leastDuration = TakeNumber(rest);
     } else {
         return false;
     }

@@ -48,13 +48,13 @@ struct DialogueCase {
     std::vector<Call> calls;
 
     // What else must come out.
-    std::vector<unsigned> progress;               // bytes in each report
-    bool anyProgress = false;                     // the reports aren't looked at
-    unsigned stopAt = 0;                          // the report that is answered with 0
-    std::vector<std::string> wire;                // texts that the message on the wire holds
-    std::optional<int> accepted;                  // connections; else as many as scripts
-    std::optional<std::pair<int, int>> duration;  // milliseconds of all calls
-    bool slow = false;                            // mostly waits: once, beside the other slow ones
+    std::vector<unsigned> progress;  // bytes in each report
+    bool anyProgress = false;        // the reports aren't looked at
+    unsigned stopAt = 0;             // the report that is answered with 0
+    std::vector<std::string> wire;   // texts that the message on the wire holds
+    std::optional<int> accepted;     // connections; else as many as scripts
+    int leastDuration = 0;           // milliseconds of all calls
+    bool slow = false;               // mostly waits: once, beside the other slow ones
 };
 
 // All cases of the files in the folder, those of usual.txt first. Throws std::runtime_error with

@@ -36,7 +36,7 @@ std::size_t TextSizeEstimate(WideView text, bool isUtf8, bool isQuotedPrintable)
         for (const WCHAR c : block) {
             more += c >= 0x80 ? beyondAscii : 0;
             more += c >= 0x800 ? threeBytes : 0;
-            more += (c < 0x20) | (c == WCHAR('=')) ? escaped : 0;
+            more += c < 0x20 || c == WCHAR('=') ? escaped : 0;
         }
         size += more;
         text.remove_prefix(block.size());

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <span>
 
 #include "mime/base64.h"
@@ -22,26 +23,30 @@ bool IsLineEncoding(LONG encoding) {
            encoding == EncodingQuotedPrintable;
 }
 
-// Size of the text when it is converted and encoded: what a unit beyond ASCII, one of three bytes
-// in UTF-8 and an escaped one take more than one byte.
+// Size of the text when it is converted and encoded. In UTF-8, units from 0x80 on take two bytes
+// and those from 0x800 on three; in quoted-printable each of these bytes is an escape of three, and
+// so are some characters of ASCII.
 std::size_t TextSizeEstimate(WideView text, bool isUtf8, bool isQuotedPrintable) {
-    const unsigned beyondAscii = (isUtf8 ? 1 : 0) + (isQuotedPrintable ? (isUtf8 ? 4 : 2) : 0);
-    const unsigned threeBytes = isUtf8 ? (isQuotedPrintable ? 3 : 1) : 0;
-    const unsigned escaped = isQuotedPrintable ? 2 : 0;
-    std::size_t size = text.size();
+    std::size_t bytes = text.size();
+    std::size_t escapes = 0;
     while (!text.empty()) {
-        // A sum of 32 bits for a block lets the compiler use vectors.
-        const WideView block = text.substr(0, 1 << 16);
-        unsigned more = 0;
+        // Counters as wide as the units, for a block that they can count, let the compiler use
+        // vectors.
+        const WideView block = text.substr(0, 1 << 15);
+        std::uint16_t beyondAscii = 0, threeBytes = 0, escaped = 0;
         for (const WCHAR c : block) {
-            more += c >= 0x80 ? beyondAscii : 0;
-            more += c >= 0x800 ? threeBytes : 0;
-            more += c < 0x20 || c == WCHAR('=') ? escaped : 0;
+            beyondAscii += c >= 0x80;
+            threeBytes += c >= 0x800;
+            escaped += c < 0x20;
+            escaped += c == WCHAR('=');
         }
-        size += more;
+        const std::size_t more = isUtf8 ? beyondAscii + threeBytes : 0;
+        bytes += more;
+        escapes += escaped + beyondAscii + more;
         text.remove_prefix(block.size());
     }
-    return isQuotedPrintable ? QuotedPrintableSizeEstimate(size, 0) : WrapLinesSizeEstimate(size);
+    return isQuotedPrintable ? QuotedPrintableSizeEstimate(bytes, escapes)
+                             : WrapLinesSizeEstimate(bytes);
 }
 
 std::string_view View(const DataBlock& data) {

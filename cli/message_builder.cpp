@@ -66,8 +66,10 @@ public:
     // component choose one that fits.
     static Bstr Text(const std::string& text, const std::string& charset) {
         const std::u16string wide = client::ToUtf16(text);
-        const bool fits = charset.empty() || charset == kUnicode ||
-                          std::ranges::all_of(wide, [](char16_t unit) { return unit <= 0xFF; });
+        const char16_t highest = EqualIgnoreCase(charset, "us-ascii") ? 0x7F : 0xFF;
+        const bool fits =
+            charset.empty() || charset == kUnicode ||
+            std::ranges::all_of(wide, [highest](char16_t unit) { return unit <= highest; });
         if (!fits) {
             throw UsageError("The message holds characters that the character set " + charset +
                              " lacks; use utf-8.");

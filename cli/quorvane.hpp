@@ -16,6 +16,7 @@
 #pragma once
 
 #include <windows.h>
+#include <objbase.h>
 #include <oleauto.h>
 
 #include <cstdio>
@@ -26,9 +27,6 @@
 #include <utility>
 
 #include "Quorvane.h"
-
-// Exported by the library, which hands out its class objects through it.
-STDAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId, LPVOID* object);
 
 namespace quorvane::client {
 

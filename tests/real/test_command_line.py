@@ -81,6 +81,7 @@ class CommandLineTest(SendTest):
             ([*simple, "--inline", latin], "cid="),
             ([*simple, "--attach", f"{latin},cid=x"], "--inline"),
             ([*simple, "--charset", "iso-8859-1", "--text", "5 €"], "iso-8859-1"),
+            ([*simple, "--charset", "us-ascii", "--text", "ü"], "us-ascii"),
             ([*simple, "--charset", "koi8-r", "--subject", "Ж"], "koi8-r"),
             ([*simple, "--user", "u"], "--password-file"),
             ([*simple, "--password-file", latin], "--user"),
@@ -259,7 +260,7 @@ class CommandLineTest(SendTest):
                 self.assertEqual(part.charset, charset)
                 self.assert_content(part, text)
         _, raw = self.caught(*SIMPLE_ARGUMENTS, "--body-file", utf8, "--subject", "Ж",
-                             "--attach", f"{utf8},name=Ж.html", "--alt", "Ж")
+                             "--attach", f"{utf8},name=Ж.html,type=text/html", "--alt", "Ж")
         message = mime_check.parse(raw)
         self.assertEqual(mime_check.decode_words(message["Subject"]), "Ж")
         self.assertEqual([(part.name, part.content.decode(part.charset))

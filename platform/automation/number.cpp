@@ -24,8 +24,8 @@ bool Round(double real, Integer& integer) {
     const double half = real - lower;
     const bool up = half > 0.5 || (half == 0.5 && std::fmod(lower, 2) != 0);
     const double rounded = up ? lower + 1 : lower;
-    constexpr double kEnd =
-        std::numeric_limits<Integer>::max() / 2 * 2.0 + 2.0;  // the first number too large
+    constexpr int kBits = std::numeric_limits<Integer>::digits;
+    constexpr double kEnd = static_cast<double>(Integer{1} << (kBits - 1)) * 2;
     if (!(rounded >= static_cast<double>(std::numeric_limits<Integer>::min())) || rounded >= kEnd) {
         return false;
     }

@@ -12,8 +12,6 @@ typedef struct _GUID {
 
 typedef GUID IID;
 typedef GUID CLSID;
-typedef GUID* LPGUID;
-typedef IID* LPIID;
 typedef CLSID* LPCLSID;
 
 #ifdef __cplusplus

@@ -26,9 +26,8 @@ typedef struct tagDEC {
 // A value of one of several types, 24 bytes. Text, interface pointers and what they refer to
 // belong to the variant unless the type has VT_BYREF. Members stand here for the types that
 // VariantChangeType and Invoke know.
-typedef struct tagVARIANT VARIANT, *LPVARIANT;
+typedef struct tagVARIANT VARIANT;
 typedef VARIANT VARIANTARG;
-typedef VARIANTARG* LPVARIANTARG;
 __extension__ struct tagVARIANT {
     __extension__ union {
         __extension__ struct {
@@ -106,9 +105,7 @@ typedef struct tagEXCEPINFO {
 #define DISPATCH_METHOD 0x1
 #define DISPATCH_PROPERTYGET 0x2
 #define DISPATCH_PROPERTYPUT 0x4
-#define DISPATCH_PROPERTYPUTREF 0x8
 
-#define DISPID_VALUE 0
 #define DISPID_UNKNOWN (-1)
 #define DISPID_PROPERTYPUT (-3)
 #define MEMBERID_NIL DISPID_UNKNOWN
@@ -117,39 +114,22 @@ typedef enum tagINVOKEKIND {
     INVOKE_FUNC = 1,
     INVOKE_PROPERTYGET = 2,
     INVOKE_PROPERTYPUT = 4,
-    INVOKE_PROPERTYPUTREF = 8
 } INVOKEKIND;
 
-typedef enum tagFUNCKIND {
-    FUNC_VIRTUAL = 0,
-    FUNC_PUREVIRTUAL = 1,
-    FUNC_NONVIRTUAL = 2,
-    FUNC_STATIC = 3,
-    FUNC_DISPATCH = 4
-} FUNCKIND;
+typedef enum tagFUNCKIND { FUNC_PUREVIRTUAL = 1, FUNC_DISPATCH = 4 } FUNCKIND;
 
 typedef enum tagTYPEKIND {
     TKIND_ENUM = 0,
-    TKIND_RECORD = 1,
-    TKIND_MODULE = 2,
     TKIND_INTERFACE = 3,
     TKIND_DISPATCH = 4,
     TKIND_COCLASS = 5,
-    TKIND_ALIAS = 6,
-    TKIND_UNION = 7
 } TYPEKIND;
 
 typedef enum tagCALLCONV { CC_STDCALL = 4 } CALLCONV;
 typedef enum tagVARKIND {
-    VAR_PERINSTANCE = 0,
-    VAR_STATIC = 1,
     VAR_CONST = 2,
-    VAR_DISPATCH = 3
 } VARKIND;
 typedef enum tagSYSKIND { SYS_WIN16 = 0, SYS_WIN32 = 1, SYS_MAC = 2, SYS_WIN64 = 3 } SYSKIND;
-typedef enum tagDESCKIND { DESCKIND_NONE = 0 } DESCKIND;
-typedef struct tagBINDPTR* LPBINDPTR;
-typedef struct tagBINDPTR BINDPTR;
 
 #define TYPEFLAG_FCANCREATE 0x2
 #define TYPEFLAG_FCONTROL 0x20
@@ -160,11 +140,9 @@ typedef struct tagBINDPTR BINDPTR;
 #define IMPLTYPEFLAG_FDEFAULT 0x1
 #define IMPLTYPEFLAG_FSOURCE 0x2
 
-#define PARAMFLAG_NONE 0x0
 #define PARAMFLAG_FIN 0x1
 #define PARAMFLAG_FOUT 0x2
 #define PARAMFLAG_FRETVAL 0x8
-#define PARAMFLAG_FOPT 0x10
 
 typedef struct tagTYPEDESC {
     __extension__ union {
@@ -261,7 +239,6 @@ struct IDispatch : public IUnknown {
 };
 __CRT_UUID_DECL(IDispatch, 0x00020400, 0x0000, 0x0000, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
                 0x46)
-typedef IDispatch* LPDISPATCH;
 
 // Describes one interface, class or enumeration of a type library. Everything that is handed out
 // by Get... goes back to the same object with the matching Release...; texts are the caller's.

@@ -5,9 +5,6 @@
 
 #define STDMETHODIMP HRESULT STDMETHODCALLTYPE
 #define STDMETHODIMP_(type) type STDMETHODCALLTYPE
-#define STDMETHOD(method) virtual HRESULT STDMETHODCALLTYPE method
-#define STDMETHOD_(type, method) virtual type STDMETHODCALLTYPE method
-#define PURE = 0
 #define STDAPI EXTERN_C QUORVANE_EXPORT HRESULT STDAPICALLTYPE
 #define STDAPI_(type) EXTERN_C QUORVANE_EXPORT type STDAPICALLTYPE
 
@@ -17,7 +14,6 @@ typedef enum tagCOINIT { COINIT_MULTITHREADED = 0x0, COINIT_APARTMENTTHREADED = 
 
 enum CLSCTX {
     CLSCTX_INPROC_SERVER = 0x1,
-    CLSCTX_ALL = 0x17,
 };
 
 // The calling thread enters an apartment: S_OK the first time, S_FALSE when it is in one of that

@@ -14,7 +14,6 @@ STDAPI_(void) SysFreeString(BSTR text);
 STDAPI_(UINT) SysStringLen(BSTR text);
 STDAPI_(UINT) SysStringByteLen(BSTR text);
 
-#define VARIANT_NOVALUEPROP 0x01
 #define VARIANT_ALPHABOOL 0x02
 
 // Variants of the types VT_EMPTY, VT_NULL, VT_BSTR, VT_BOOL, VT_ERROR, VT_DISPATCH, VT_UNKNOWN, all
@@ -30,9 +29,6 @@ STDAPI VariantChangeType(VARIANTARG* destination, const VARIANTARG* source, USHO
                          VARTYPE type);
 STDAPI VariantChangeTypeEx(VARIANTARG* destination, const VARIANTARG* source, LCID lcid,
                            USHORT flags, VARTYPE type);
-
-#define V_VT(x) ((x)->vt)
-#define V_ISBYREF(x) (V_VT(x) & VT_BYREF)
 
 // The calling thread's error information. SetErrorInfo(0, nullptr) removes it; GetErrorInfo takes
 // it away and gives it to the caller, S_FALSE when there is none.

@@ -33,10 +33,6 @@ extern QUORVANE_EXPORT const IID IID_IUnknown;
 extern QUORVANE_EXPORT const IID IID_IClassFactory;
 }
 
-#define IID_PPV_ARGS(pp) \
-    __uuidof(**(pp)),    \
-        (static_cast<void>(static_cast<IUnknown*>(*(pp))), reinterpret_cast<void**>(pp))
-
 #else
 typedef struct IUnknown IUnknown;
 #endif

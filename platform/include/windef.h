@@ -19,23 +19,17 @@
 
 // Differs from Windows: one calling convention serves all, that of the System V ABI.
 #define WINAPI
-#define APIENTRY
-#define CALLBACK
 #define STDMETHODCALLTYPE
 #define STDAPICALLTYPE
 
 #define IN
 #define OUT
-#define CONST const
-#define VOID void
 #define DECLSPEC_UUID(x)
 #define DECLSPEC_NOVTABLE
 #define DECLSPEC_SELECTANY __attribute__((weak))
 
 typedef unsigned char BYTE;
 typedef char CHAR;
-typedef signed char INT8;
-typedef unsigned char UCHAR;
 typedef int16_t SHORT;
 typedef uint16_t USHORT;
 typedef uint16_t WORD;
@@ -50,27 +44,22 @@ typedef long long LONGLONG;
 typedef unsigned long long ULONGLONG;
 typedef float FLOAT;
 typedef double DOUBLE;
-typedef intptr_t INT_PTR;
 typedef uintptr_t UINT_PTR;
 typedef intptr_t LONG_PTR;
 typedef uintptr_t ULONG_PTR;
-typedef ULONG_PTR DWORD_PTR;
 typedef size_t SIZE_T;
 // Differs from Windows: char16_t, because wchar_t has 32 bits here. Literals are u"...", which
 // OLESTR writes on both systems.
 typedef char16_t WCHAR;
 
 typedef void *PVOID, *LPVOID;
-typedef const void* LPCVOID;
 typedef BYTE *PBYTE, *LPBYTE;
 typedef CHAR *PSTR, *LPSTR;
 typedef const CHAR *PCSTR, *LPCSTR, *LPCCH;
 typedef WCHAR *PWSTR, *LPWSTR;
 typedef const WCHAR *PCWSTR, *LPCWSTR, *LPCWCH;
-typedef LONG *PLONG, *LPLONG;
 typedef DWORD *PDWORD, *LPDWORD;
 typedef BOOL *PBOOL, *LPBOOL;
-typedef INT *PINT, *LPINT;
 
 typedef void* HANDLE;
 typedef struct HINSTANCE__* HINSTANCE;
@@ -95,10 +84,3 @@ typedef struct _FILETIME {
 #define FALSE 0
 #define MAX_PATH 260
 #define INVALID_HANDLE_VALUE ((HANDLE)(LONG_PTR)-1)
-
-#define MAKEWORD(low, high) ((WORD)(((BYTE)(low)) | ((WORD)((BYTE)(high))) << 8))
-#define LOWORD(l) ((WORD)((DWORD_PTR)(l)&0xFFFF))
-#define HIWORD(l) ((WORD)((DWORD_PTR)(l) >> 16))
-#define MAKELANGID(primary, sub) ((((WORD)(sub)) << 10) | (WORD)(primary))
-#define MAKELCID(language, sort) \
-    ((DWORD)((((DWORD)((WORD)(sort))) << 16) | (DWORD)(WORD)(language)))

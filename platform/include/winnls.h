@@ -1,4 +1,4 @@
-// Code pages, dates and times as text.
+// Code pages and locales.
 #pragma once
 
 #include "winbase.h"
@@ -13,11 +13,6 @@
 #define MB_PRECOMPOSED 0x00000001
 #define MB_ERR_INVALID_CHARS 0x00000008
 
-#define LANG_ENGLISH 0x09
-#define SUBLANG_NEUTRAL 0x00
-#define SUBLANG_DEFAULT 0x01
-#define SUBLANG_ENGLISH_US 0x01
-#define SORT_DEFAULT 0x0
 #define LOCALE_SYSTEM_DEFAULT 0x0800
 #define LOCALE_USER_DEFAULT 0x0400
 
@@ -33,15 +28,6 @@ int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWCH wide, int wide
                                int byteSize, LPCCH defaultChar, LPBOOL usedDefaultChar);
 int WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCCH bytes, int byteSize, LPWSTR wide,
                                int wideSize);
-
-// Write a date by the pictures d dd ddd dddd M MM MMM MMMM y yy yyyy, a time by h hh H HH m mm s ss
-// t tt, with text in single quotes; a null time means now. The number of units with the NUL; a
-// size of 0 asks for it.
-// Differs from Windows: names are English whatever the locale; a picture must be given.
-int WINAPI GetDateFormatW(LCID locale, DWORD flags, const SYSTEMTIME* date, LPCWSTR format,
-                          LPWSTR text, int size);
-int WINAPI GetTimeFormatW(LCID locale, DWORD flags, const SYSTEMTIME* time, LPCWSTR format,
-                          LPWSTR text, int size);
 
 // The calling thread's locale; a new thread has LOCALE_USER_DEFAULT.
 // Differs from Windows: the locale has no influence on anything.

@@ -26,7 +26,6 @@ enum VARENUM {
     VT_I4 = 3,
     VT_R4 = 4,
     VT_R8 = 5,
-    VT_CY = 6,
     VT_DATE = 7,
     VT_BSTR = 8,
     VT_DISPATCH = 9,
@@ -34,7 +33,6 @@ enum VARENUM {
     VT_BOOL = 11,
     VT_VARIANT = 12,
     VT_UNKNOWN = 13,
-    VT_DECIMAL = 14,
     VT_I1 = 16,
     VT_UI1 = 17,
     VT_UI2 = 18,
@@ -46,9 +44,6 @@ enum VARENUM {
     VT_VOID = 24,
     VT_HRESULT = 25,
     VT_PTR = 26,
-    VT_SAFEARRAY = 27,
     VT_USERDEFINED = 29,
-    VT_ARRAY = 0x2000,
     VT_BYREF = 0x4000,
-    VT_TYPEMASK = 0xFFF
 };

@@ -62,25 +62,20 @@ typedef DWORD *PDWORD, *LPDWORD;
 typedef BOOL *PBOOL, *LPBOOL;
 
 typedef void* HANDLE;
-typedef struct HINSTANCE__* HINSTANCE;
+typedef struct QuorvaneModule* HINSTANCE;
 typedef HINSTANCE HMODULE;
-typedef struct HKEY__* HKEY;
+typedef struct QuorvaneKey* HKEY;
 typedef HKEY* PHKEY;
 
 typedef DWORD LCID;
 typedef LONG HRESULT;
 typedef LONG LSTATUS;
 
-typedef union _LARGE_INTEGER {
+typedef union LARGE_INTEGER {
     LONGLONG QuadPart;
 } LARGE_INTEGER, *PLARGE_INTEGER;
-
-typedef struct _FILETIME {
-    DWORD dwLowDateTime;
-    DWORD dwHighDateTime;
-} FILETIME, *LPFILETIME;
 
 #define TRUE 1
 #define FALSE 0
 #define MAX_PATH 260
-#define INVALID_HANDLE_VALUE ((HANDLE)(LONG_PTR)-1)
+#define INVALID_HANDLE_VALUE ((HANDLE)(LONG_PTR)-1)  // NOLINT(performance-no-int-to-ptr)

@@ -3,7 +3,7 @@
 #include "apartment.h"
 
 // Programs that aren't the component library have no classes of their own.
-#pragma weak DllGetClassObject
+extern "C" __attribute__((weak)) HRESULT DllGetClassObject(REFCLSID, REFIID, LPVOID*);
 
 HRESULT CoGetClassObject(REFCLSID rclsid, DWORD context, LPVOID, REFIID riid, LPVOID* object) {
     if (!object) return E_INVALIDARG;

@@ -3,7 +3,7 @@
 
 #include "windef.h"
 
-typedef struct GUID {
+typedef struct _GUID {
     uint32_t Data1;
     uint16_t Data2;
     uint16_t Data3;
@@ -60,7 +60,6 @@ struct QuorvaneUuidOf<T&> : QuorvaneUuidOf<T> {};
 template <typename T>
 struct QuorvaneUuidOf<const T> : QuorvaneUuidOf<T> {};
 
-// The two names are the SDK's: NOLINTBEGIN(bugprone-reserved-identifier)
 #define __CRT_UUID_DECL(type, l, w1, w2, b1, b2, b3, b4, b5, b6, b7, b8)             \
     extern "C++" {                                                                   \
     template <>                                                                      \
@@ -69,6 +68,5 @@ struct QuorvaneUuidOf<const T> : QuorvaneUuidOf<T> {};
     };                                                                               \
     }
 #define __uuidof(type) (QuorvaneUuidOf<__typeof__(type)>::value)
-// NOLINTEND(bugprone-reserved-identifier)
 
 #endif

@@ -3,7 +3,5 @@
 
 #include "windows.h"
 
-// NOLINTBEGIN(bugprone-reserved-identifier)
 #define __RPC_FAR
 #define __RPC_USER
-// NOLINTEND(bugprone-reserved-identifier)

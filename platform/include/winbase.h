@@ -13,8 +13,8 @@
 #define FILE_FLAG_SEQUENTIAL_SCAN 0x08000000
 #define INVALID_FILE_ATTRIBUTES ((DWORD)-1)
 
-typedef struct SECURITY_ATTRIBUTES* LPSECURITY_ATTRIBUTES;
-typedef struct OVERLAPPED* LPOVERLAPPED;
+typedef struct _SECURITY_ATTRIBUTES* LPSECURITY_ATTRIBUTES;
+typedef struct _OVERLAPPED* LPOVERLAPPED;
 
 extern "C" {
 
@@ -56,7 +56,7 @@ BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved);
 // ERROR_INSUFFICIENT_BUFFER when the path had to be cut.
 DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size);
 
-typedef struct SYSTEMTIME {
+typedef struct _SYSTEMTIME {
     WORD wYear;
     WORD wMonth;      // 1 to 12
     WORD wDayOfWeek;  // 0 is Sunday
@@ -68,7 +68,7 @@ typedef struct SYSTEMTIME {
 } SYSTEMTIME, *LPSYSTEMTIME;
 
 // UTC = local time + Bias + the bias of the time in force; minutes.
-typedef struct TIME_ZONE_INFORMATION {
+typedef struct _TIME_ZONE_INFORMATION {
     LONG Bias;
     WCHAR StandardName[32];
     SYSTEMTIME StandardDate;

@@ -62,20 +62,25 @@ typedef DWORD *PDWORD, *LPDWORD;
 typedef BOOL *PBOOL, *LPBOOL;
 
 typedef void* HANDLE;
-typedef struct QuorvaneModule* HINSTANCE;
+typedef struct HINSTANCE__* HINSTANCE;
 typedef HINSTANCE HMODULE;
-typedef struct QuorvaneKey* HKEY;
+typedef struct HKEY__* HKEY;
 typedef HKEY* PHKEY;
 
 typedef DWORD LCID;
 typedef LONG HRESULT;
 typedef LONG LSTATUS;
 
-typedef union LARGE_INTEGER {
+typedef union _LARGE_INTEGER {
     LONGLONG QuadPart;
 } LARGE_INTEGER, *PLARGE_INTEGER;
+
+typedef struct _FILETIME {
+    DWORD dwLowDateTime;
+    DWORD dwHighDateTime;
+} FILETIME, *LPFILETIME;
 
 #define TRUE 1
 #define FALSE 0
 #define MAX_PATH 260
-#define INVALID_HANDLE_VALUE ((HANDLE)(LONG_PTR)-1)  // NOLINT(performance-no-int-to-ptr)
+#define INVALID_HANDLE_VALUE ((HANDLE)(LONG_PTR)-1)

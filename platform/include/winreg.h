@@ -10,7 +10,6 @@
 
 #ifdef __cplusplus
 
-// NOLINTNEXTLINE(performance-no-int-to-ptr)
 #define HKEY_CLASSES_ROOT ((HKEY)(ULONG_PTR)(LONG_PTR)(LONG)0x80000000)
 
 #define KEY_READ 0x20019
@@ -23,7 +22,7 @@
 #define REG_EXPAND_SZ 2
 
 typedef DWORD REGSAM;
-typedef struct SECURITY_ATTRIBUTES* LPSECURITY_ATTRIBUTES;
+typedef struct _SECURITY_ATTRIBUTES* LPSECURITY_ATTRIBUTES;
 
 extern "C" {
 

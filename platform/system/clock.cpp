@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr time_t kWeek = 604800;  // seconds
+constexpr time_t kWeek = 7 * 24 * 60 * 60;
 constexpr int kWeeksInYear = 53;
 
 ULONGLONG MillisecondsSinceStart() {

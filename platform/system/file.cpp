@@ -20,7 +20,6 @@ namespace {
 // A handle is the file descriptor plus one, times four: never null, a multiple of four as on
 // Windows, and a wrong one is found out by the kernel.
 HANDLE ToHandle(int descriptor) {
-    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     return reinterpret_cast<HANDLE>((static_cast<ULONG_PTR>(descriptor) + 1) * 4);
 }
 

@@ -11,7 +11,7 @@
 #include "code_page.h"
 
 // Programs and tests that are no component library have no entry of their own.
-#pragma weak DllMain
+extern "C" __attribute__((weak)) BOOL WINAPI DllMain(HINSTANCE, DWORD, LPVOID);
 
 namespace {
 

@@ -26,7 +26,6 @@ ULONG_PTR g_lastHandle = 0;
 
 HKEY AddKey(std::u16string path) {
     const std::lock_guard guard(g_mutex);
-    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     const HKEY key = reinterpret_cast<HKEY>(g_lastHandle += 4);
     g_openKeys.emplace(key, std::move(path));
     return key;
@@ -149,7 +148,7 @@ LSTATUS RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD, LPDWORD type, LPBYTE d
         *size = bytes;
         if (!data) return ERROR_SUCCESS;
         if (!fits) return ERROR_MORE_DATA;
-        std::copy_n(reinterpret_cast<const BYTE*>(value.data.data()), bytes, data);
+        std::memcpy(data, value.data.data(), bytes);
         return ERROR_SUCCESS;
     });
 }

@@ -42,7 +42,7 @@ TEST(Clock, LocalTimeIsUtcLessTheBiasInForce) {
 TEST(Clock, TicksOnAndOn) {
     const ULONGLONG start = GetTickCount64();
     const DWORD low = GetTickCount();
-    EXPECT_LT(low - static_cast<DWORD>(start), 1000u);
+    EXPECT_LT(low - static_cast<DWORD>(start), 60000u);
     // It moves by what a wait takes; the wait itself may take longer.
     std::this_thread::sleep_for(std::chrono::milliseconds(60));
     EXPECT_GE(GetTickCount64() - start, 40u);

@@ -72,22 +72,24 @@ TEST_F(LinuxSocketsTest, GoOnAfterASignal) {
     action.sa_handler = [](int) { ++signals; };  // without SA_RESTART
     sigaction(SIGUSR1, &action, &before);
     const pthread_t waiting = pthread_self();
-    std::atomic<bool> finished{false};
+    std::atomic<bool> polled{false};
     std::thread sender([&] {
-        for (int i = 0; i < 50 && !finished; ++i) {
+        const auto interrupt = [waiting] {
             pthread_kill(waiting, SIGUSR1);
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        }
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        };
+        while (!polled) interrupt();
+        for (int i = 0; i < 20; ++i) interrupt();
         send(peer_, "x", 1, 0);
     });
     WSAPOLLFD entry{};
     entry.fd = client_;
     entry.events = POLLIN;
     EXPECT_EQ(WSAPoll(&entry, 1, 20), 0);
+    polled = true;
     char byte = 0;
     EXPECT_EQ(recv(client_, &byte, 1, 0), 1);
     EXPECT_EQ(byte, 'x');
-    finished = true;
     sender.join();
     sigaction(SIGUSR1, &before, nullptr);
     EXPECT_GT(signals, 0);

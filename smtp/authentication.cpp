@@ -1,10 +1,12 @@
-// The session's choice of an authentication mechanism, and AUTH LOGIN.
+// The session's choice of an authentication mechanism, AUTH LOGIN and AUTH NTLM.
 #include "smtp/authentication.h"
 
 #include <span>
 #include <string>
+#include <vector>
 
 #include "mime/base64.h"
+#include "smtp/ntlm.h"
 #include "smtp/session.h"
 
 namespace quorvane {
@@ -27,17 +29,39 @@ WideString ToUpper(WideView text) {
     return upper;
 }
 
+// What follows the code in the text of a reply.
+std::string ChallengeOf(const WideString& replyText) {
+    std::string reply = ToAnsi(replyText);
+    reply.erase(0, kPromptStart);
+    return reply;
+}
+
 // The decoded text up to its first zero byte, which is where padding begins.
-std::string DecodeBase64(const std::string& encoded) {
+std::string DecodePrompt(const std::string& encoded) {
     CBase64 codec;
     codec.Decode(encoded.c_str());
     const auto* const decoded = reinterpret_cast<const char*>(codec.GetDecoded());
     return decoded ? decoded : "";
 }
 
-std::string EncodeBase64(const std::string& text) {
+// The bytes of a challenge without those that padding stands for. Some servers write a "+" before
+// it, as the other protocols that use NTLM do.
+std::vector<BYTE> DecodeChallenge(std::string_view encoded) {
+    encoded = encoded.substr(0, encoded.find('\r'));
+    if (encoded.starts_with("+ ")) {
+        encoded.remove_prefix(2);
+    }
+    encoded = encoded.substr(0, encoded.find_last_not_of('=') + 1);
+    CBase64 codec;
+    codec.Decode(reinterpret_cast<const BYTE*>(encoded.data()), static_cast<DWORD>(encoded.size()));
+    const BYTE* const decoded = codec.GetDecoded();
+    const std::size_t size = codec.EncodedLength() * std::size_t{3} / 4;
+    return {decoded, decoded + size};
+}
+
+std::string EncodeBase64(std::span<const BYTE> bytes) {
     std::string encoded;
-    AppendBase64({reinterpret_cast<const BYTE*>(text.data()), text.size()}, encoded);
+    AppendBase64(bytes, encoded);
     return encoded;
 }
 
@@ -93,7 +117,7 @@ int CSmtp::AuthLogin() {
         if (!answer) {
             return reply;
         }
-        reply = SendCommand(WriteCommand("%s\r\n", EncodeBase64(ToAnsi(*answer))));
+        reply = SendCommand(WriteCommand("%s\r\n", EncodeBase64(BytesOf(ToAnsi(*answer)))));
         if (reply == 535) {
             reply = OnAuthFailed(reply, m_replyText);
             if (reply == 0) {
@@ -107,9 +131,7 @@ int CSmtp::AuthLogin() {
 
 // What the prompt in the reply text asks for; null when it is neither user name nor password.
 const WideString* CSmtp::AnswerToPrompt() const {
-    const std::string reply = ToAnsi(m_replyText);
-    const std::string prompt =
-        reply.size() > kPromptStart ? DecodeBase64(reply.substr(kPromptStart)) : "";
+    const std::string prompt = DecodePrompt(ChallengeOf(m_replyText));
     if (EqualIgnoreCase(std::string_view(prompt), std::string_view("Username:"))) {
         return &m_user;
     }
@@ -119,9 +141,28 @@ const WideString* CSmtp::AnswerToPrompt() const {
     return nullptr;
 }
 
-// Answers for a server that doesn't know the mechanism: this version can't speak it.
 int CSmtp::AuthNtlm() {
-    return 504;
+    const std::string user = ToAnsi(m_user);
+    if (!IsNtlmUserName(user)) {
+        return Fail(TooLongText(OLESTR("NTLM user name"), m_user, kMaxNtlmNameLength));
+    }
+    const std::vector<BYTE> negotiation = MakeNtlmNegotiation(user, ToAnsi(m_domain));
+    int reply = SendCommand(WriteCommand("AUTH NTLM %s\r\n", EncodeBase64(negotiation)));
+    if (reply != 334) {
+        return reply;
+    }
+    const auto response =
+        MakeNtlmResponse(DecodeChallenge(ChallengeOf(m_replyText)), user, ToAnsi(m_password));
+    if (!response) {
+        m_replyText = UnusableChallengeText(m_server);
+        return reply;
+    }
+    reply = SendCommand(WriteCommand("%s\r\n", EncodeBase64(*response)));
+    if (reply == 535) {
+        const int verdict = OnAuthFailed(reply, m_replyText);
+        return verdict != 0 ? verdict : reply;
+    }
+    return reply;
 }
 
 }  // namespace quorvane

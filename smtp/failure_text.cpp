@@ -123,8 +123,32 @@ WideString TooLongText(WideView what, WideView value, std::size_t limit) {
                  OLESTR(" bytes and can't be used: "), ShownBeginning(value)});
 }
 
+WideString EmptyDomainText() {
+    return OLESTR("Invalid address: domain can't be empty");
+}
+
+WideString FailedLookupText(WideView domain, WideView systemText, long long status) {
+    const WideString text = Join(
+        {OLESTR("Couldn't find mail server for domain '"), domain, OLESTR("' - "), systemText});
+    return systemText.empty() ? text + OLESTR("DNS error ") + Number(status) : text;
+}
+
+WideString NoMailServerText(WideView domain) {
+    return Join(
+        {OLESTR("Domain '"), domain, OLESTR("' doesn't have mail server configured in DNS")});
+}
+
+WideString NoMailWantedText(WideView domain) {
+    return Join({OLESTR("Domain '"), domain, OLESTR("' doesn't accept mail")});
+}
+
 WideString WrongCredentialsText() {
     return OLESTR("Authentication failed, invalid username or password");
+}
+
+WideString UnusableChallengeText(WideView server) {
+    return ServerText(server, OLESTR(" sent an NTLM challenge that can't be used"), {},
+                      std::nullopt);
 }
 
 WideString PeerClosedHandshakeText() {

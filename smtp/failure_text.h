@@ -36,7 +36,16 @@ WideString UnrequestedDataText(WideView server, std::string_view command);
 WideString LineBreakText(WideView what, WideView value);
 WideString TooLongText(WideView what, WideView value, std::size_t limit);
 
+// Of a domain whose mail servers were looked up. The system's text of the DNS status stands in them
+// as the system gave it, line end included; without one, the number does.
+WideString EmptyDomainText();
+WideString FailedLookupText(WideView domain, WideView systemText, long long status);
+WideString NoMailServerText(WideView domain);
+WideString NoMailWantedText(WideView domain);
+
 WideString WrongCredentialsText();
+// An NTLM challenge that no answer can be made for.
+WideString UnusableChallengeText(WideView server);
 WideString PeerClosedHandshakeText();
 WideString NoEncryptionText();
 

@@ -147,4 +147,10 @@ bool StartsWithIgnoreCase(WideView text, WideView prefix) {
     return EqualFolded(text.substr(0, prefix.size()), prefix);
 }
 
+WideString ToLowerAscii(WideView text) {
+    WideString lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(), FoldAscii<WCHAR>);
+    return lower;
+}
+
 }  // namespace quorvane

@@ -2,7 +2,9 @@
 #include "automation/error_info.h"
 #include "component/relay.h"
 #include "component/smtp_mail.h"
+#include "model/html_import.h"
 #include "model/mail_message.h"
+#include "model/simple_send.h"
 
 namespace quorvane {
 namespace {
@@ -33,6 +35,8 @@ template <class Body>
 HRESULT GuardedSend(Body&& body) noexcept {
     try {
         return body();
+    } catch (const HtmlImportError& error) {
+        return Report(error.text().c_str(), E_FAIL);
     } catch (...) {
         return Report(OLESTR("Unexpected exception!"), E_FAIL);
     }
@@ -89,9 +93,6 @@ STDMETHODIMP CSmtpMail::SendScriptable(IMailMessage* message, VARIANT_BOOL useSM
                       [&](BSTR* text) { return Send(message, useSMTPServer, text, errorCode); });
 }
 
-// The simple sends and their script twins come with a later version. Their out-parameters are
-// cleared all the same, since callers free them.
-
 STDMETHODIMP CSmtpMail::SimpleSend(BSTR from, BSTR to, BSTR subject, BSTR body, BSTR* errorMessage,
                                    LONG* errorCode) {
     return SimpleSendAttachment(from, to, subject, body, nullptr, errorMessage, errorCode);
@@ -104,10 +105,19 @@ STDMETHODIMP CSmtpMail::SimpleSendScriptable(BSTR from, BSTR to, BSTR subject, B
     });
 }
 
-STDMETHODIMP CSmtpMail::SimpleSendAttachment(BSTR, BSTR, BSTR, BSTR, BSTR, BSTR* errorMessage,
+STDMETHODIMP CSmtpMail::SimpleSendAttachment(BSTR from, BSTR to, BSTR subject, BSTR body,
+                                             BSTR attachments, BSTR* errorMessage,
                                              LONG* errorCode) {
     ClearOutcome(errorMessage, errorCode);
-    return E_NOTIMPL;
+    return GuardedSend([&] {
+        COutgoingMessage message;
+        const WideString text = FromBstr(body);
+        SetSimpleBody(message, FromBstr(subject), text, IsHtmlBody(text));
+        ParseAddressText(FromBstr(from), message.sender);
+        AddRecipientList(message, FromBstr(to));
+        AddAttachmentList(message, FromBstr(attachments));
+        return SendCore(message, true, errorMessage, errorCode);
+    });
 }
 
 STDMETHODIMP CSmtpMail::SimpleSendAttachmentScriptable(BSTR from, BSTR to, BSTR subject, BSTR body,
@@ -118,10 +128,17 @@ STDMETHODIMP CSmtpMail::SimpleSendAttachmentScriptable(BSTR from, BSTR to, BSTR 
     });
 }
 
-STDMETHODIMP CSmtpMail::SimpleSendHTML(BSTR, BSTR, BSTR, BSTR, BSTR* errorMessage,
-                                       LONG* errorCode) {
+STDMETHODIMP CSmtpMail::SimpleSendHTML(BSTR from, BSTR to, BSTR subject, BSTR filename,
+                                       BSTR* errorMessage, LONG* errorCode) {
     ClearOutcome(errorMessage, errorCode);
-    return E_NOTIMPL;
+    return GuardedSend([&] {
+        COutgoingMessage message;
+        const WideString html = ImportHtmlFile(FromBstr(filename), message.attachments);
+        SetSimpleBody(message, FromBstr(subject), html, true);
+        ParseAddressText(FromBstr(from), message.sender);
+        AddRecipientList(message, FromBstr(to));
+        return SendCore(message, true, errorMessage, errorCode);
+    });
 }
 
 STDMETHODIMP CSmtpMail::SimpleSendHTMLScriptable(BSTR from, BSTR to, BSTR subject, BSTR filename,

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <string>
 
-#include "mime/file_reader.h"
 #include "mime/transfer_encoding.h"
+#include "model/file_reader.h"
 #include "model/parts.h"
 
 namespace quorvane {

@@ -1,7 +1,9 @@
 #include "model/mail_message.h"
 
+#include "automation/error_info.h"
 #include "automation/property.h"
 #include "model/growable.h"
+#include "model/html_import.h"
 #include "model/mail_address.h"
 #include "model/mail_attachment.h"
 
@@ -77,6 +79,11 @@ HRESULT Clear(std::vector<Element>& list) noexcept {
 std::string HeaderText(BSTR text) {
     const std::string bytes = ToAnsi(FromBstr(text));
     return std::string(Trim(bytes));
+}
+
+// The component has one name as a source of errors, whichever of its classes reports them.
+HRESULT ReportFailure(LPCOLESTR text) {
+    return ReportComError(CLSID_SmtpMail, text, 0, nullptr, IID_IMailMessage, E_FAIL);
 }
 
 }  // namespace
@@ -248,8 +255,16 @@ STDMETHODIMP CMailMessage::put_RequestReadReceipt(VARIANT_BOOL newVal) {
     return S_OK;
 }
 
-STDMETHODIMP CMailMessage::ImportHTML(BSTR) {
-    return E_NOTIMPL;
+STDMETHODIMP CMailMessage::ImportHTML(BSTR filename) {
+    try {
+        content_.body = ImportHtmlFile(FromBstr(filename), content_.attachments);
+        content_.bodyFormat = MailFormatHtml;
+        return S_OK;
+    } catch (const HtmlImportError& error) {
+        return ReportFailure(error.text().c_str());
+    } catch (...) {
+        return ReportFailure(OLESTR("Unexpected exception!"));
+    }
 }
 
 STDMETHODIMP CMailMessage::SetSender(IMailAddress* newVal) {

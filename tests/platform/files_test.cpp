@@ -8,7 +8,7 @@
 #include <atomic>
 #include <thread>
 
-#include "tests/platform/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 

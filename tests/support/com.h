@@ -1,4 +1,4 @@
-// What tests of COM objects share: automation strings and calls of properties.
+// What tests of COM objects share: automation strings, calls of properties, error information.
 #pragma once
 
 #include <windows.h>
@@ -44,6 +44,15 @@ WideString GetString(Interface* object, HRESULT (STDMETHODCALLTYPE Interface::*g
 // UTF-8 form for messages and comparisons.
 inline std::string Show(WideView text) {
     return ToUtf8(text);
+}
+
+// The description of the thread's error information, which this removes; "-" for none.
+inline std::string TakeErrorText() {
+    ComPtr<IErrorInfo> info;
+    if (GetErrorInfo(0, info.Receive()) != S_OK) return "-";
+    BstrHolder description;
+    info->GetDescription(description.Receive());
+    return Show(FromBstr(description.Get()));
 }
 
 }  // namespace quorvane

@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/platform/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 

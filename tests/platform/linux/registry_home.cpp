@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "tests/platform/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 RegistryHome::RegistryHome() : folder_(std::make_unique<ScratchFolder>()) {
     setenv("XDG_DATA_HOME", folder_->path().c_str(), 1);

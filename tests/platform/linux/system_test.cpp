@@ -11,7 +11,7 @@
 #include <ctime>
 #include <string>
 
-#include "tests/platform/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 namespace {
 

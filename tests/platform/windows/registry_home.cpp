@@ -1,6 +1,6 @@
 #include "tests/platform/registry_home.h"
 
-#include "tests/platform/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 // The lookup of ProgIDs goes to the real registry whatever a process puts in its place, so the
 // tests use that, under names of their own.

@@ -14,7 +14,7 @@ public:
     ScratchFolder() {
         const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
         path_ =
-            std::filesystem::temp_directory_path() / ("quorvane-platform-" + std::to_string(stamp));
+            std::filesystem::temp_directory_path() / ("quorvane-" + std::to_string(stamp));
         std::filesystem::create_directories(path_);
     }
     ScratchFolder(const ScratchFolder&) = delete;

@@ -1,4 +1,4 @@
-#include "mime/file_reader.h"
+#include "model/file_reader.h"
 
 #include <algorithm>
 #include <limits>

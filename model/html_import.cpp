@@ -1,0 +1,116 @@
+#include "model/html_import.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <new>
+
+#include "Quorvane.h"
+#include "model/file_reader.h"
+#include "model/growable.h"
+#include "model/html_references.h"
+
+namespace quorvane {
+namespace {
+
+constexpr DWORD kNoSharing = 0;
+constexpr WCHAR kSeparator = '\\';
+
+HtmlImportError CannotOpen(const WideString& path) {
+    return HtmlImportError(OLESTR("Cannot open HTML file ") + path);
+}
+
+bool IsRemote(WideView reference) {
+    return StartsWithIgnoreCase(reference, OLESTR("http://")) ||
+           StartsWithIgnoreCase(reference, OLESTR("https://"));
+}
+
+// "i" and at least four digits.
+WideString ContentIdOf(std::size_t index) {
+    const std::string digits = std::to_string(index);
+    return OLESTR("i") + WideString(digits.size() < 4 ? 4 - digits.size() : 0, WCHAR('0')) +
+           WidenBytes(digits);
+}
+
+CAttachmentPart InlinePart(const WideString& file, const WideString& contentId) {
+    CAttachmentPart part;
+    part.contentId = contentId;
+    part.encoding = MailEncodingBase64;
+    part.file = file;
+    part.isInline = true;
+    return part;
+}
+
+}  // namespace
+
+InlineImages::InlineImages(std::vector<CAttachmentPart>& attachments) : attachments_(attachments) {
+    for (const CAttachmentPart& part : attachments) {
+        contentIds_.emplace(ToLowerAscii(part.file), part.contentId);
+    }
+}
+
+WideString InlineImages::AddInlineImage(const WideString& file) {
+    WideString key = ToLowerAscii(file);
+    const auto known = contentIds_.find(key);
+    if (known != contentIds_.end() && !known->second.empty()) return OLESTR("cid:") + known->second;
+    const std::size_t index = attachments_.size();
+    const WideString contentId = ContentIdOf(index);
+    AppendOrDrop(attachments_, InlinePart(file, contentId));
+    // A part without an identifier stays the first of its file: then each reference gets its own.
+    if (attachments_.size() > index) contentIds_.emplace(std::move(key), contentId);
+    return OLESTR("cid:") + contentId;
+}
+
+WideString ReadHtmlFile(const WideString& path) {
+    FileReader file(path, kNoSharing);
+    if (!file.IsOpen()) throw CannotOpen(path);
+    std::string bytes;
+    try {
+        bytes.resize(file.Size());
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+    std::size_t count = 0;
+    if (!file.Read(bytes, count)) throw CannotOpen(path);
+    const std::string_view read(bytes.data(), count);
+    return FromAnsi(read.substr(0, read.find('\0')));
+}
+
+WideString ResolveImagePath(WideView htmlPath, WideView reference) {
+    WideString path(reference);
+    if (path.size() < 2) return path;
+    std::replace(path.begin(), path.end(), WCHAR('/'), kSeparator);
+    if (path[0] == kSeparator || path[1] == ':') return path;
+    const std::size_t folder = htmlPath.rfind(kSeparator);
+    return (folder == WideView::npos ? WideString(OLESTR(".\\"))
+                                     : WideString(htmlPath.substr(0, folder + 1))) +
+           path;
+}
+
+WideString ImportHtmlText(WideView html, const WideString& path,
+                          std::vector<CAttachmentPart>& attachments) {
+    InlineImages images(attachments);
+    HtmlReferences references(html);
+    WideString out;
+    out.reserve(html.size());
+    while (references.Next()) {
+        out += references.before();
+        const WideView reference = references.value();
+        if (IsRemote(reference)) {
+            out += reference;
+        } else {
+            out += images.AddInlineImage(ResolveImagePath(path, reference));
+        }
+    }
+    if (references.malformed()) {
+        throw HtmlImportError(OLESTR("Cannot import malformed HTML file ") + path);
+    }
+    out += references.rest();
+    return out;
+}
+
+WideString ImportHtmlFile(const WideString& path, std::vector<CAttachmentPart>& attachments) {
+    return ImportHtmlText(ReadHtmlFile(path), path, attachments);
+}
+
+}  // namespace quorvane

@@ -3,7 +3,6 @@
 #include <ntlm.h>
 
 #include <algorithm>
-#include <cstring>
 #include <mutex>
 
 namespace quorvane {
@@ -70,7 +69,8 @@ std::optional<std::vector<BYTE>> MakeNtlmResponse(std::span<const BYTE> challeng
         return std::nullopt;
     }
     tSmbNtlmAuthChallenge record{};
-    std::memcpy(&record, challenge.data(), std::min(challenge.size(), kMaxChallengeSize));
+    std::copy_n(challenge.begin(), std::min(challenge.size(), kMaxChallengeSize),
+                reinterpret_cast<BYTE*>(&record));
     tSmbNtlmAuthResponse response{};
     const std::scoped_lock lock(LibraryMutex());
     buildSmbNtlmAuthResponse(&record, &response, user.c_str(), password.c_str());

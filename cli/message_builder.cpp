@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "cli/html_pictures.h"
+
 namespace quorvane::cli {
 
 namespace {
@@ -133,7 +135,10 @@ void SetAddresses(const Options& options, const Charsets& charsets,
 void SetBodies(const Options& options, const Charsets& charsets,
                const ComPtr<IMailMessage>& message) {
     Check(message->put_MessageBodyFormat(options.html ? MailFormatHtml : MailFormatText), message);
-    Check(message->put_MessageBody(Charsets::Text(options.body, charsets.body())), message);
+    const std::string body = options.picturesOf.empty()
+                                 ? options.body
+                                 : ImportPictures(options.picturesOf, options.body, message);
+    Check(message->put_MessageBody(Charsets::Text(body, charsets.body())), message);
     Check(message->put_MessageBodyFile(Bstr(options.bodyFile)), message);
     Check(message->put_MessageBodyCharset(Bstr(charsets.body())), message);
     Check(message->put_MessageBodyEncoding(options.encoding), message);

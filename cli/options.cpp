@@ -15,6 +15,7 @@ struct Raw {
     std::string server, from, replyTo, messageId, passwordFile;
     std::vector<std::string> to, cc, bcc, attach, inlined, headers;
     std::string text, textFile, html, htmlFile, alternative;
+    bool noImport = false;
     std::string priority = "normal";
     std::string encoding = "default";
     std::string later;  // an option that was given but comes with a later version
@@ -107,7 +108,9 @@ void DefineContent(CLI::App& app, Options& options, Raw& raw) {
     auto* text = AddValue(app, "--text", raw.text, "TEXT", "Plain text; - reads standard input");
     auto* textFile = AddValue(app, "--text-file", raw.textFile, "FILE", "The same from a file");
     auto* html = AddValue(app, "--html", raw.html, "TEXT", "HTML; plain text goes beside it");
-    auto* htmlFile = AddValue(app, "--html-file", raw.htmlFile, "FILE", "The same from a file");
+    auto* htmlFile = AddValue(app, "--html-file", raw.htmlFile, "FILE",
+                              "The same from a file, with the pictures that it shows");
+    app.add_flag("--no-import", raw.noImport, "Send that file as it is; --inline does so too");
     AddValue(app, "--alt", raw.alternative, "TEXT", "Plain text to go beside the body");
     auto* bodyFile = AddValue(app, "--body-file", options.bodyFile, "FILE",
                               "Body to send byte for byte; HTML when named .html or .htm");
@@ -183,6 +186,12 @@ std::string TextOf(const std::string& text, const std::string& file) {
     return WithMailLineEnds(text == kStandardInput ? ReadTextFile(text) : text);
 }
 
+// Pictures are found from where the file is; a pipe is nowhere.
+bool HasPlace(const std::string& file) {
+    return !file.empty() && file != kStandardInput &&
+           std::filesystem::is_regular_file(PathOf(file));
+}
+
 bool IsHtmlName(const std::string& file) {
     return file.ends_with(".html") || file.ends_with(".htm");
 }
@@ -203,6 +212,10 @@ void CollectBodies(const Raw& raw, Options& options) {
             throw UsageError("--alt and --text both give the text beside the HTML.");
         }
         options.alternative = text;
+    }
+    if (!raw.noImport && raw.inlined.empty() && HasPlace(raw.htmlFile)) {
+        RequireSameMeaning(raw.htmlFile);
+        options.picturesOf = raw.htmlFile;
     }
     if (!options.bodyFile.empty()) {
         if (!std::filesystem::exists(PathOf(options.bodyFile))) {

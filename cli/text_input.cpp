@@ -34,8 +34,13 @@ std::filesystem::path PathOf(std::string_view utf8) {
 
 std::string ReadTextFile(const std::string& name) {
     std::string text = name == "-" ? system::ReadInput() : ReadFile(name);
-    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
+    text = WithoutByteOrderMark(std::move(text));
     RequireText(text, name == "-" ? "Standard input" : "The file " + name);
+    return text;
+}
+
+std::string WithoutByteOrderMark(std::string text) {
+    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
     return text;
 }
 
@@ -75,14 +80,18 @@ std::string ReadPassword(const std::string& file) {
     return text;
 }
 
-void RequireSendable(const std::string& file) {
-    std::error_code error;
-    const auto path = PathOf(file);
+void RequireSameMeaning(const std::string& file) {
     if (!system::MeansTheSameToTheComponent(file)) {
         throw UsageError("The name " + file +
                          " holds a backslash or begins like a drive, which the component takes "
                          "for a Windows path; give the file another name.");
     }
+}
+
+void RequireSendable(const std::string& file) {
+    std::error_code error;
+    const auto path = PathOf(file);
+    RequireSameMeaning(file);
     if (!std::filesystem::exists(path, error)) return;
     RequireNoFolder(file);
     if (!std::filesystem::is_regular_file(path, error)) {

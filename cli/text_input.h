@@ -14,6 +14,8 @@ std::filesystem::path PathOf(std::string_view utf8);
 // UsageError when it can't be read.
 std::string ReadTextFile(const std::string& name);
 
+std::string WithoutByteOrderMark(std::string text);
+
 // Throws UsageError unless the text is UTF-8 without NULs, which would end it early; `what` names
 // the text in the sentence.
 void RequireText(std::string_view text, const std::string& what);
@@ -23,6 +25,9 @@ std::string WithMailLineEnds(std::string_view text);
 
 // The first line of the file, which nobody but its owner may be able to read. Throws UsageError.
 std::string ReadPassword(const std::string& file);
+
+// Throws UsageError for a file name that the component would take for another path.
+void RequireSameMeaning(const std::string& file);
 
 // Throws UsageError for a file that exists but that the component could not send: a folder, an
 // unreadable file, or an empty one, which would be left out of the message.

@@ -24,8 +24,9 @@ extern "C" {
 // ERROR_INVALID_FLAGS).
 // Differs from Windows: CP_ACP and CP_THREAD_ACP are always Windows-1252; a character that it
 // lacks becomes the default character ('?'), never a similar one.
-int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWCH wide, int wideSize, LPSTR bytes,
-                               int byteSize, LPCCH defaultChar, LPBOOL usedDefaultChar);
+QUORVANE_EXPORT int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWCH wide,
+                                               int wideSize, LPSTR bytes, int byteSize,
+                                               LPCCH defaultChar, LPBOOL usedDefaultChar);
 int WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCCH bytes, int byteSize, LPWSTR wide,
                                int wideSize);
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <type_traits>
 
 namespace quorvane::platform {
 namespace {
@@ -25,38 +26,37 @@ template <class Unit>
 std::size_t AsciiBlocks(std::basic_string_view<Unit> text) {
     std::size_t done = 0;
     for (; text.size() - done >= kBlock; done += kBlock) {
-        unsigned all = 0;
-        for (std::size_t i = 0; i < kBlock; ++i) {
-            all |= static_cast<
-                std::make_unsigned_t<std::conditional_t<sizeof(Unit) == 1, char, short>>>(
-                text[done + i]);
-        }
+        std::make_unsigned_t<Unit> all = 0;
+        for (std::size_t i = 0; i < kBlock; ++i) all |= text[done + i];
         if (all >= 0x80) break;
     }
     return done;
 }
 
-// Receives converted units: writes them, or only counts them when there is no buffer.
+// Receives converted units: writes as many as there is room for, and counts them all.
 template <class Unit>
 class Output {
 public:
     Output(Unit* data, std::size_t room) : data_(data), room_(room) {}
 
     void Put(Unit unit) {
-        if (room_ != 0) {
-            if (count_ < room_) data_[count_] = unit;
-        }
+        if (count_ < room_) data_[count_] = unit;
         ++count_;
     }
 
+    // `size` is a whole number of blocks.
     template <class Source>
     void PutAscii(const Source* source, std::size_t size) {
-        if (room_ != 0 && count_ < room_) {
-            const std::size_t fits = std::min(size, room_ - count_);
-            Unit* const out = data_ + count_;
-            for (std::size_t i = 0; i < fits; ++i) out[i] = static_cast<Unit>(source[i]);
+        for (std::size_t done = 0; done < size; done += kBlock) {
+            // By way of a block that overlaps nothing, which lets this be vector instructions too.
+            std::array<Unit, kBlock> block;
+            for (std::size_t i = 0; i < kBlock; ++i) block[i] = static_cast<Unit>(source[done + i]);
+            if (count_ < room_) {
+                const std::size_t fits = std::min(kBlock, room_ - count_);
+                std::memcpy(data_ + count_, block.data(), fits * sizeof(Unit));
+            }
+            count_ += kBlock;
         }
-        count_ += size;
     }
 
     std::size_t count() const { return count_; }
@@ -87,27 +87,41 @@ void PutUtf8(char32_t c, Output<char>& out) {
     }
 }
 
-// True when every surrogate was one of a pair.
-bool EncodeUtf8(std::u16string_view text, Output<char>& out) {
-    bool sound = true;
+// Converts the text: ASCII as it is, whole blocks at a time where there are any; for the rest
+// `other` takes what stands at the front of the text and returns how many units that was.
+template <class In, class Out, class Other>
+void Convert(std::basic_string_view<In> text, Output<Out>& out, Other other) {
     for (std::size_t i = 0; i < text.size();) {
         if (const std::size_t run = AsciiBlocks(text.substr(i)); run != 0) {
             out.PutAscii(text.data() + i, run);
             i += run;
             continue;
         }
-        // After a block with something else in it, the rest of the block goes unit by unit.
-        for (const std::size_t end = std::min(text.size(), i + kBlock); i < end; ++i) {
-            char32_t c = text[i];
-            if (IsHighSurrogate(text[i]) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
-                c = 0x10000 + ((c & 0x3FF) << 10) + (text[++i] & 0x3FFu);
-            } else if ((c & 0xF800) == 0xD800) {
-                c = kReplacement;
-                sound = false;
+        // A block with something else in it, or less than a block.
+        for (const std::size_t end = std::min(text.size(), i + kBlock); i < end;) {
+            if (static_cast<std::make_unsigned_t<In>>(text[i]) < 0x80) {
+                out.Put(static_cast<Out>(text[i++]));
+            } else {
+                i += other(text.substr(i));
             }
-            PutUtf8(c, out);
         }
     }
+}
+
+// True when every surrogate was one of a pair.
+bool EncodeUtf8(std::u16string_view text, Output<char>& out) {
+    bool sound = true;
+    Convert(text, out, [&](std::u16string_view rest) -> std::size_t {
+        char32_t c = rest[0];
+        if (IsHighSurrogate(rest[0]) && rest.size() > 1 && IsLowSurrogate(rest[1])) {
+            c = 0x10000 + ((c & 0x3FF) << 10) + (rest[1] & 0x3FFu);
+        } else if ((c & 0xF800) == 0xD800) {
+            c = kReplacement;
+            sound = false;
+        }
+        PutUtf8(c, out);
+        return c >= 0x10000 ? 2 : 1;
+    });
     return sound;
 }
 
@@ -155,37 +169,27 @@ std::size_t DecodeUtf8(std::string_view bytes, char32_t& c) {
 // True when all of it was well-formed.
 bool DecodeUtf8(std::string_view bytes, Output<char16_t>& out) {
     bool sound = true;
-    for (std::size_t i = 0; i < bytes.size();) {
-        if (const std::size_t run = AsciiBlocks(bytes.substr(i)); run != 0) {
-            out.PutAscii(bytes.data() + i, run);
-            i += run;
-            continue;
+    Convert(bytes, out, [&](std::string_view rest) {
+        char32_t c;
+        const std::size_t used = DecodeUtf8(rest, c);
+        // U+FFFD itself may stand there too.
+        if (c == kReplacement && rest.substr(0, used) != "\xEF\xBF\xBD") sound = false;
+        if (c >= 0x10000) {
+            out.Put(static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10)));
+            c = 0xDC00 + (c & 0x3FF);
         }
-        for (const std::size_t end = std::min(bytes.size(), i + kBlock); i < end;) {
-            if (static_cast<unsigned char>(bytes[i]) < 0x80) {
-                out.Put(static_cast<char16_t>(bytes[i++]));
-                continue;
-            }
-            char32_t c;
-            const std::size_t used = DecodeUtf8(bytes.substr(i), c);
-            // U+FFFD itself has three bytes and its own lead byte.
-            if (c == kReplacement && bytes.substr(i, used) != "\xEF\xBF\xBD") sound = false;
-            i += used;
-            if (c >= 0x10000) {
-                out.Put(static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10)));
-                c = 0xDC00 + (c & 0x3FF);
-            }
-            out.Put(static_cast<char16_t>(c));
-        }
-    }
+        out.Put(static_cast<char16_t>(c));
+        return used;
+    });
     return sound;
 }
 
 void DecodeWindows1252(std::string_view bytes, Output<char16_t>& out) {
-    for (const char byte : bytes) {
-        const auto c = static_cast<unsigned char>(byte);
-        out.Put(c >= 0x80 && c < 0xA0 ? kWindows1252[c - 0x80] : char16_t{c});
-    }
+    Convert(bytes, out, [&](std::string_view rest) -> std::size_t {
+        const auto c = static_cast<unsigned char>(rest[0]);
+        out.Put(c < 0xA0 ? kWindows1252[c - 0x80] : char16_t{c});
+        return 1;
+    });
 }
 
 // The byte for a character above 7F; false when the code page has none.
@@ -202,21 +206,15 @@ bool Windows1252Byte(char16_t c, char& byte) {
 // True when the default character stands for something.
 bool EncodeWindows1252(std::u16string_view text, char defaultChar, Output<char>& out) {
     bool usedDefault = false;
-    for (std::size_t i = 0; i < text.size();) {
-        if (const std::size_t run = AsciiBlocks(text.substr(i)); run != 0) {
-            out.PutAscii(text.data() + i, run);
-            i += run;
-            continue;
+    Convert(text, out, [&](std::u16string_view rest) -> std::size_t {
+        char byte;
+        if (!Windows1252Byte(rest[0], byte)) {
+            byte = defaultChar;
+            usedDefault = true;
         }
-        for (const std::size_t end = std::min(text.size(), i + kBlock); i < end; ++i) {
-            char byte = static_cast<char>(text[i]);
-            if (text[i] >= 0x80 && !Windows1252Byte(text[i], byte)) {
-                byte = defaultChar;
-                usedDefault = true;
-            }
-            out.Put(byte);
-        }
-    }
+        out.Put(byte);
+        return 1;
+    });
     return usedDefault;
 }
 

@@ -15,6 +15,7 @@ import time
 BINARY = shutil.which("exim4") or "/usr/sbin/exim4"
 SIZE_LIMIT = 300_000
 USER, PASSWORD = "zoë", "secret pass: word"
+NTLM_USER = "zoe"  # Exim reads the names of NTLM as ASCII
 REFUSED = "refused"  # local part of the address that nobody has
 REFUSAL = "Nobody of that name lives here"
 
@@ -67,6 +68,11 @@ login:
   public_name = LOGIN
   server_prompts = Username:: : Password::
   server_condition = ${{if and {{{{eq{{$auth1}}{{{login}}}}} {{eq{{$auth2}}{{{password}}}}}}}}}
+  server_set_id = $auth1
+ntlm:
+  driver = spa
+  public_name = NTLM
+  server_password = ${{if eq{{$auth1}}{{{ntlm_user}}}{{{password}}}fail}}
   server_set_id = $auth1
 """
 
@@ -124,7 +130,7 @@ class Exim:
         configuration.write_text(CONFIGURATION.format(
             folder=self.folder, port=port, size_limit=SIZE_LIMIT, refused=REFUSED, refusal=REFUSAL,
             user=account.pw_name, group=account.pw_gid, drop="false" if root else "true",
-            login=login, password=PASSWORD), encoding="latin-1")
+            login=login, ntlm_user=NTLM_USER, password=PASSWORD), encoding="latin-1")
         return configuration
 
     def start(self):

@@ -115,23 +115,29 @@ class RelayTest(SendTest):
                                        stdin=text.encode())
                 self.assert_text(message.raw, text.replace("\n", "\r\n"))
 
+    def login_as(self, user, password):
+        path = self.file("password", password + "\n")
+        path.chmod(0o600)
+        return ["--user", user, "--password-file", path]
+
     def test_login(self):
-        password = self.file("password", exim.PASSWORD + "\n")
-        password.chmod(0o600)
-        login = ["--user", exim.USER, "--password-file", password]
-        message = self.deliver(*SIMPLE_ARGUMENTS, *login)
-        self.assertIn("esmtpa", message.received)  # Exim's word for an authenticated session
+        for mechanism, arguments in (("login", self.login_as(exim.USER, exim.PASSWORD)),
+                                     ("ntlm", [*self.login_as(exim.NTLM_USER, exim.PASSWORD),
+                                               "--spa"])):
+            with self.subTest(mechanism=mechanism):
+                message = self.deliver(*SIMPLE_ARGUMENTS, *arguments)
+                self.assertIn("esmtpa", message.received)  # Exim's word for an authenticated session
+                self.assertIn(f"A={mechanism}:", self.server.log())
 
     def test_login_refused(self):
         wrong = "wrong-password"
-        password = self.file("password", wrong)
-        password.chmod(0o600)
-        done = self.send(*SIMPLE_ARGUMENTS, "--user", exim.USER, "--password-file", password,
-                         "--json", status=1)
-        outcome = json.loads(done.stdout)
-        self.assertEqual(outcome["code"], 535)
-        self.assertEqual(outcome["text"], "Authentication failed, invalid username or password")
-        for secret in (wrong, base64.b64encode(wrong.encode()).decode()):
-            self.assertNotIn(secret, done.stdout + done.stderr)
-
-
+        for user, spa, text in (
+                (exim.USER, [], "Authentication failed, invalid username or password"),
+                (exim.NTLM_USER, ["--spa"], "535 Incorrect authentication data")):
+            with self.subTest(user=user):
+                done = self.send(*SIMPLE_ARGUMENTS, *self.login_as(user, wrong), *spa, "--json",
+                                 status=1)
+                outcome = json.loads(done.stdout)
+                self.assertEqual((outcome["code"], outcome["text"]), (535, text))
+                for secret in (wrong, base64.b64encode(wrong.encode()).decode()):
+                    self.assertNotIn(secret, done.stdout + done.stderr)

@@ -26,3 +26,5 @@ HRESULT CoCreateInstance(REFCLSID rclsid, LPUNKNOWN outer, DWORD context, REFIID
     factory->Release();
     return hr;
 }
+
+void CoFreeUnusedLibraries() {}

@@ -34,6 +34,9 @@ STDAPI CoGetClassObject(REFCLSID rclsid, DWORD context, LPVOID server, REFIID ri
 STDAPI CoCreateInstance(REFCLSID rclsid, LPUNKNOWN outer, DWORD context, REFIID riid,
                         LPVOID* object);
 
+// Differs from Windows: nothing happens, since COM has loaded no library of its own accord.
+STDAPI_(void) CoFreeUnusedLibraries();
+
 // Through the registry: CO_E_CLASSSTRING for a name that is not registered, REGDB_E_CLASSNOTREG
 // for a class without a ProgID. The caller frees the text with CoTaskMemFree.
 STDAPI CLSIDFromProgID(LPCOLESTR progId, LPCLSID clsid);

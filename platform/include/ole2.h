@@ -2,4 +2,5 @@
 #pragma once
 
 #include "objbase.h"
+#include "objidl.h"
 #include "oleauto.h"

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "guiddef.h"
+#include "libloaderapi.h"
 #include "winbase.h"
 #include "windef.h"
 #include "winerror.h"

@@ -10,6 +10,7 @@
 
 #include "host_path.h"
 #include "share_mode.h"
+#include "thread.h"
 
 using quorvane::platform::PathError;
 using quorvane::platform::ShareForReading;
@@ -87,6 +88,7 @@ BOOL GetFileSizeEx(HANDLE file, PLARGE_INTEGER size) {
 }
 
 BOOL CloseHandle(HANDLE object) {
+    if (object == quorvane::platform::kThreadHandle) return TRUE;
     // Never again after EINTR: Linux has closed the descriptor then.
     if (close(Descriptor(object)) != 0 && errno == EBADF) return Fail(ERROR_INVALID_HANDLE);
     return TRUE;

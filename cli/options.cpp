@@ -36,8 +36,8 @@ class PlainHelp : public CLI::Formatter {
 public:
     PlainHelp() { column_width(34); }
     std::string make_usage(const CLI::App*, std::string) const override {
-        return "Usage: quorvane-send --server HOST[:PORT] --from ADDRESS --to ADDRESS... "
-               "[OPTION...]\n";
+        return "Usage: quorvane-send {--server HOST[:PORT] | --direct} --from ADDRESS "
+               "--to ADDRESS... [OPTION...]\n";
     }
     std::string make_option_opts(const CLI::Option* option) const override {
         return option->get_type_size() == 0 ? "" : " " + option->get_type_name();
@@ -73,7 +73,8 @@ void AddLater(CLI::App& app, Raw& raw, const char* name, const char* help) {
 void DefineServer(CLI::App& app, Options& options, Raw& raw) {
     app.option_defaults()->group("Server");
     AddValue(app, "--server", raw.server, "HOST[:PORT]", "Mail server to send through, port 25");
-    AddLater(app, raw, "--direct", "Deliver to the recipients' own servers (not available yet)");
+    auto* direct =
+        app.add_flag("--direct", options.direct, "Deliver to the recipients' own servers instead");
     auto* user = AddValue(app, "--user", options.user, "NAME", "Account name for the server");
     auto* password = AddValue(app, "--password-file", raw.passwordFile, "FILE",
                               "File with the password in its first line, readable by you alone");
@@ -86,6 +87,10 @@ void DefineServer(CLI::App& app, Options& options, Raw& raw) {
     AddValue(app, "--attempts", options.attempts, "N", "How often to try to connect: 2")
         ->check(Between(1, 1000));
     AddValue(app, "--helo", options.helo, "NAME", "Name to introduce this computer by");
+    for (const char* ofServer :
+         {"--server", "--user", "--spa", "--ssl", "--timeout", "--attempts"}) {
+        direct->excludes(app.get_option(ofServer));
+    }
 }
 
 void DefineHeader(CLI::App& app, Options& options, Raw& raw) {
@@ -228,9 +233,11 @@ void CollectBodies(const Raw& raw, Options& options) {
 
 void Collect(const Raw& raw, Options& options) {
     if (!raw.later.empty()) throw UsageError(raw.later + " is not available in this version.");
-    if (raw.server.empty()) throw UsageError("Name the mail server with --server HOST[:PORT].");
+    if (raw.server.empty() && !options.direct) {
+        throw UsageError("Name the mail server with --server HOST[:PORT], or say --direct.");
+    }
     if (raw.from.empty()) throw UsageError("Name the sender with --from ADDRESS.");
-    options.server = ParseServer(raw.server);
+    if (!options.direct) options.server = ParseServer(raw.server);
     options.from = ParseAddress(raw.from);
     options.to = ParseAddresses(raw.to);
     options.cc = ParseAddresses(raw.cc);

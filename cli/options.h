@@ -12,6 +12,7 @@ namespace quorvane::cli {
 // All text is UTF-8; one that wasn't given is empty.
 struct Options {
     Server server;
+    bool direct = false;  // to the recipients' own servers; there is no server then
     std::string user;
     std::string password;
     int timeout = 30;  // seconds

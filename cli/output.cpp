@@ -14,8 +14,10 @@ std::string OutcomeAsJson(const client::Outcome& outcome) {
 }
 
 std::string OutcomeAsText(const client::Outcome& outcome) {
+    std::u16string text = client::ToUtf16(outcome.text);
+    text.erase(text.find_last_not_of(u" \r\n") + 1);
     std::u16string shown;
-    for (const char16_t unit : client::ToUtf16(outcome.text)) {
+    for (const char16_t unit : text) {
         const bool control = unit < 0x20 || (unit >= 0x7F && unit < 0xA0);
         if (unit == u'\n') {
             shown += u"\n    ";

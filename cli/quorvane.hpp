@@ -336,12 +336,15 @@ struct Outcome {
     bool sent() const { return code == 0; }
 };
 
-// Sends through the server that the settings of `mail` name, and waits for the outcome. Throws
-// Error when the send could not be attempted, for want of a sender, say.
-inline Outcome Send(const ComPtr<ISmtpMail>& mail, const ComPtr<IMailMessage>& message) {
+// Sends through the server that the settings of `mail` name, or else to the recipients' own
+// servers, and waits for the outcome. Throws Error when the send could not be attempted, for want
+// of a sender, say.
+inline Outcome Send(const ComPtr<ISmtpMail>& mail, const ComPtr<IMailMessage>& message,
+                    bool useServer = true) {
     Outcome outcome;
     Bstr text;
-    Check(mail->Send(message, VARIANT_TRUE, text.Put(), &outcome.code), mail);
+    Check(mail->Send(message, useServer ? VARIANT_TRUE : VARIANT_FALSE, text.Put(), &outcome.code),
+          mail);
     outcome.text = text.utf8();
     return outcome;
 }

@@ -28,9 +28,10 @@ ComPtr<ISmtpMail> MakeSender(const Options& options) {
 
 // A message that the component didn't even attempt counts as wrong use, unless the fault was not
 // in the message.
-Outcome SendOnce(const ComPtr<ISmtpMail>& mail, const ComPtr<IMailMessage>& message) {
+Outcome SendOnce(const ComPtr<ISmtpMail>& mail, const ComPtr<IMailMessage>& message,
+                 bool useServer) {
     try {
-        return client::Send(mail, message);
+        return client::Send(mail, message, useServer);
     } catch (const client::Error& error) {
         if (error.status() == E_INVALIDARG) throw UsageError(error.what());
         return {-1, error.what()};
@@ -43,7 +44,7 @@ ExitStatus SendAll(const Options& options) {
     const auto mail = MakeSender(options);
     int sent = 0;
     for (int i = 0; i < options.count; ++i) {
-        const Outcome outcome = SendOnce(mail, message);
+        const Outcome outcome = SendOnce(mail, message, !options.direct);
         if (options.json) system::WriteOutput(OutcomeAsJson(outcome) + "\n");
         if (outcome.sent()) {
             ++sent;

@@ -1,6 +1,6 @@
 // The synchronous sends of SmtpMail.
 #include "automation/error_info.h"
-#include "component/relay.h"
+#include "component/delivery.h"
 #include "component/smtp_mail.h"
 #include "model/html_import.h"
 #include "model/mail_message.h"
@@ -73,15 +73,13 @@ HRESULT CSmtpMail::SendCore(COutgoingMessage& message, bool useSmtpServer, BSTR*
     lastError_ = SendOutcome();
     const WideString invalid = ValidateOutgoingMessage(message);
     if (!invalid.empty()) return Report(invalid.c_str(), E_INVALIDARG);
-    if (!useSmtpServer) {
-        return Report(OLESTR("Direct delivery is not available in this version"), E_NOTIMPL);
-    }
-    if (settings_.server.empty()) {
+    if (useSmtpServer && settings_.server.empty()) {
         return Report(
             OLESTR("SmtpServer property can't be empty if useSmtpServer parameter is true"),
             E_INVALIDARG);
     }
-    lastError_ = SendThroughRelay(settings_, message);
+    lastError_ =
+        useSmtpServer ? SendThroughRelay(settings_, message) : SendDirect(settings_, message);
     if (lastError_.code != 0 && errorMessage) ToBstr(lastError_.text, errorMessage);
     if (errorCode) *errorCode = lastError_.code;
     return lastError_.code == 0 ? S_OK : S_FALSE;

@@ -127,7 +127,7 @@ WideString EmptyDomainText() {
     return OLESTR("Invalid address: domain can't be empty");
 }
 
-WideString FailedLookupText(WideView domain, WideView systemText, long long status) {
+WideString FailedLookupText(WideView domain, WideView systemText, LONG status) {
     const WideString text = Join(
         {OLESTR("Couldn't find mail server for domain '"), domain, OLESTR("' - "), systemText});
     return systemText.empty() ? text + OLESTR("DNS error ") + Number(status) : text;

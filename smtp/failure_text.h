@@ -39,7 +39,7 @@ WideString TooLongText(WideView what, WideView value, std::size_t limit);
 // Of a domain whose mail servers were looked up. The system's text of the DNS status stands in them
 // as the system gave it, line end included; without one, the number does.
 WideString EmptyDomainText();
-WideString FailedLookupText(WideView domain, WideView systemText, long long status);
+WideString FailedLookupText(WideView domain, WideView systemText, LONG status);
 WideString NoMailServerText(WideView domain);
 WideString NoMailWantedText(WideView domain);
 

@@ -1,5 +1,7 @@
-// Files, the calling thread's last error, modules, clocks and the computer's name.
+// Files, the calling thread's last error, texts of errors, modules, clocks and the computer's name.
 #pragma once
+
+#include <stdarg.h>
 
 #include "windef.h"
 
@@ -22,6 +24,19 @@ extern "C" {
 // library in between doesn't change it.
 DWORD WINAPI GetLastError();
 void WINAPI SetLastError(DWORD error);
+
+#define FORMAT_MESSAGE_IGNORE_INSERTS 0x00000200
+#define FORMAT_MESSAGE_FROM_SYSTEM 0x00001000
+#define LANG_NEUTRAL 0x00
+#define SUBLANG_DEFAULT 0x01
+#define MAKELANGID(language, sublanguage) ((WORD)(((sublanguage) << 10) | (language)))
+
+// The system's text of an error number, its line end included. The number of units without the
+// terminating NUL; 0 with the last error ERROR_MR_MID_NOT_FOUND for a number without a text, or
+// ERROR_INSUFFICIENT_BUFFER.
+// Differs from Windows: the texts are those of the DNS client, in English whatever the language.
+DWORD WINAPI FormatMessageW(DWORD flags, LPCVOID source, DWORD message, DWORD language,
+                            LPWSTR buffer, DWORD size, va_list* arguments);
 
 // Opens an existing file for reading: GENERIC_READ and OPEN_EXISTING. Both '\\' and '/' separate
 // path names, and a drive such as C: names the root directory. INVALID_HANDLE_VALUE with the last

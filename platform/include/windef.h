@@ -53,6 +53,7 @@ typedef size_t SIZE_T;
 typedef char16_t WCHAR;
 
 typedef void *PVOID, *LPVOID;
+typedef const void* LPCVOID;
 typedef BYTE *PBYTE, *LPBYTE;
 typedef CHAR *PSTR, *LPSTR;
 typedef const CHAR *PCSTR, *LPCSTR, *LPCCH;

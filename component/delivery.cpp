@@ -1,7 +1,8 @@
-#include "component/relay.h"
+#include "component/delivery.h"
 
 #include <winsock2.h>
 
+#include "smtp/direct_delivery.h"
 #include "smtp/session.h"
 
 namespace quorvane {
@@ -27,6 +28,16 @@ SendOutcome SendThroughRelay(const SmtpSettings& settings, COutgoingMessage& mes
     int code = session.Connect(settings.server, mode);
     if (code == 0) code = session.SendMail(message);
     SendOutcome outcome{code, code != 0 ? session.GetErrorText() : WideString()};
+    session.Close();
+    return outcome;
+}
+
+SendOutcome SendDirect(const SmtpSettings& settings, COutgoingMessage& message) {
+    CSmtp session;
+    session.m_spa = 1;  // without a user name it has no effect
+    SendOutcome outcome;
+    outcome.code =
+        DeliverDirect(message, {TlsNone, settings.senderHostname}, session, outcome.text);
     session.Close();
     return outcome;
 }

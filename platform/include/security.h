@@ -1,0 +1,4 @@
+// Security packages.
+#pragma once
+
+#include "sspi.h"

@@ -80,8 +80,9 @@ void DefineServer(CLI::App& app, Options& options, Raw& raw) {
                               "File with the password in its first line, readable by you alone");
     user->needs(password);
     password->needs(user);
-    AddLater(app, raw, "--spa", "Log in with NTLM (not available yet)");
-    AddLater(app, raw, "--ssl", "Encrypt the connection (not available yet)");
+    app.add_flag("--spa", options.spa, "Log in with NTLM when the server offers it")->needs(user);
+    app.add_flag("--ssl", options.ssl,
+                 "Encrypt the connection, from the start or with STARTTLS, when the server can");
     AddValue(app, "--timeout", options.timeout, "SECONDS", "Time to wait for each reply: 30")
         ->check(Between(1, 86400));
     AddValue(app, "--attempts", options.attempts, "N", "How often to try to connect: 2")

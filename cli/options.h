@@ -15,6 +15,8 @@ struct Options {
     bool direct = false;  // to the recipients' own servers; there is no server then
     std::string user;
     std::string password;
+    bool ssl = false;
+    bool spa = false;
     int timeout = 30;  // seconds
     int attempts = 2;
     std::string helo;
@@ -33,7 +35,7 @@ struct Options {
     std::string body;      // lines end in CRLF
     std::string bodyFile;  // not empty: the component reads the body from it
     bool html = false;
-    std::string picturesOf;   // not empty: the HTML file whose pictures go along
+    std::string picturesOf;  // not empty: the HTML file whose pictures go along
     std::string alternative;  // lines end in CRLF
     std::string charset;
     std::string alternativeCharset;

@@ -20,6 +20,8 @@ ComPtr<ISmtpMail> MakeSender(const Options& options) {
     Check(mail->put_SmtpPort(options.server.port), mail);
     Check(mail->put_SmtpUsername(Bstr(options.user)), mail);
     Check(mail->put_SmtpPassword(Bstr(options.password)), mail);
+    Check(mail->put_SmtpSPA(options.spa ? VARIANT_TRUE : VARIANT_FALSE), mail);
+    Check(mail->put_SmtpSSL(options.ssl ? VARIANT_TRUE : VARIANT_FALSE), mail);
     Check(mail->put_ReplyTimeout(options.timeout), mail);
     Check(mail->put_ConnectAttempts(options.attempts), mail);
     Check(mail->put_SenderHostname(Bstr(options.helo)), mail);

@@ -1,6 +1,7 @@
 #include "smtp/failure_text.h"
 
 #include <winsock2.h>
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <initializer_list>
@@ -22,6 +23,10 @@ WideString Join(std::initializer_list<WideView> pieces) {
 
 WideString Number(long long value) {
     return WidenBytes(std::to_string(value));
+}
+
+WideString Hexadecimal(LONG status) {
+    return WidenBytes(fmt::format("{:x}", static_cast<ULONG>(status)));
 }
 
 WideString Shown(WideView value) {
@@ -155,8 +160,41 @@ WideString PeerClosedHandshakeText() {
     return OLESTR("Remote host closed connection unexpectedly");
 }
 
-WideString NoEncryptionText() {
-    return OLESTR("This version of Quorvane has no encrypted connections yet");
+WideString CredentialsText(LONG status) {
+    return OLESTR("Cannot initialize security, AcquireCredentialsHandle error ") +
+           Hexadecimal(status);
+}
+
+WideString SecurityMemoryText() {
+    return OLESTR("Not enough memory for security buffers");
+}
+
+WideString NegotiationText(WideView server, LONG status) {
+    return Join({OLESTR("Cannot negotiate secure connection with mail server "), server,
+                 OLESTR(", InitializeSecurityContext error 0x"), Hexadecimal(status)});
+}
+
+WideString SilentHandshakeText() {
+    return OLESTR("Cannot negotiate secure connection, no response from the server");
+}
+
+WideString ExtraBufferText() {
+    return OLESTR("Cannot negotiate secure connection, wrong size of the extra buffer");
+}
+
+WideString StreamSizesText(WideView server, LONG status) {
+    return Join({OLESTR("Cannot negotiate secure connection to mail server "), server,
+                 OLESTR(", QueryContextAttributes error "), Hexadecimal(status)});
+}
+
+WideString EncryptionText(WideView server, LONG status) {
+    return Join({OLESTR("Cannot encrypt message to mail server "), server, OLESTR(", error "),
+                 Hexadecimal(status)});
+}
+
+WideString DecryptionText(WideView server, LONG status) {
+    return Join({OLESTR("Cannot decrypt message from mail server "), server, OLESTR(", error "),
+                 Hexadecimal(status)});
 }
 
 }  // namespace quorvane

@@ -47,6 +47,15 @@ WideString WrongCredentialsText();
 // An NTLM challenge that no answer can be made for.
 WideString UnusableChallengeText(WideView server);
 WideString PeerClosedHandshakeText();
-WideString NoEncryptionText();
+
+// Of encrypted connections; `status` is what the security package said, shown in hexadecimal.
+WideString CredentialsText(LONG status);
+WideString SecurityMemoryText();
+WideString NegotiationText(WideView server, LONG status);
+WideString SilentHandshakeText();
+WideString ExtraBufferText();
+WideString StreamSizesText(WideView server, LONG status);
+WideString EncryptionText(WideView server, LONG status);
+WideString DecryptionText(WideView server, LONG status);
 
 }  // namespace quorvane

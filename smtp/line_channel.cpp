@@ -80,7 +80,7 @@ int LineChannel::Send(std::string_view command, Milliseconds limit) {
 
 int LineChannel::SendPiece(std::string_view piece, std::string_view command, Milliseconds limit) {
     if (m_secure.active()) {
-        return m_secure.Send(piece) < 0 ? -1 : 0;
+        return m_secure.Send(piece, command, limit) < 0 ? -1 : 0;
     }
     switch (m_connection.Send(piece, limit)) {
         case SocketStatus::Done:
@@ -101,7 +101,7 @@ int LineChannel::AwaitReply(CommandView command, long long replyTimeout) {
         // Whole seconds, counted down as they pass: a reply that comes in parts has up to one more.
         seconds limit(replyTimeout - elapsed / seconds(1));
         if (m_secure.pending()) {
-            limit = std::min(limit, seconds(1));
+            limit = seconds(0);
         }
         const SocketStatus status = m_connection.WaitReadable(limit);
         if (status == SocketStatus::Failed) {

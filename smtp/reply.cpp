@@ -5,6 +5,8 @@
 namespace quorvane {
 namespace {
 
+constexpr std::size_t kCodeLength = 3;
+
 bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
@@ -21,16 +23,24 @@ int LeadingCode(std::string_view text) {
 }  // namespace
 
 bool IsCompleteReply(std::string_view received) {
-    constexpr std::size_t codeLength = 3;
     const std::size_t end = received.rfind('\n');
-    if (end == std::string_view::npos || end <= codeLength) {
+    if (end == std::string_view::npos || end <= kCodeLength) {
         return false;
     }
     // The search starts before the line end's own two bytes.
     const std::size_t previous = received.rfind('\n', end - 2);
     const std::size_t start = previous == std::string_view::npos ? 0 : previous + 1;
-    const std::size_t mark = start + codeLength;
+    const std::size_t mark = start + kCodeLength;
     return mark >= received.size() || received[mark] != '-';
+}
+
+bool HoldsMoreThanReply(WideView text) {
+    bool last = false;
+    while (!text.empty() && !last) {
+        last = text.size() <= kCodeLength || text[kCodeLength] != WCHAR('-');
+        text.remove_prefix(std::min(text.find(WCHAR('\n')), text.size() - 1) + 1);
+    }
+    return !text.empty();
 }
 
 Reply ParseReply(std::string_view received) {

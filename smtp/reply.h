@@ -30,6 +30,9 @@ struct Reply {
 };
 Reply ParseReply(std::string_view received);
 
+// True when there is something behind the last line of the reply that the text begins with.
+bool HoldsMoreThanReply(WideView text);
+
 // Collects the bytes of one reply.
 class ReplyBuffer {
 public:

@@ -25,7 +25,7 @@ constexpr std::string_view kMessageEnd = "\r\n.\r\n";
 }  // namespace
 
 CSmtp::CSmtp()
-    : m_secureChannel(m_replyText),
+    : m_secureChannel(m_connection, m_server, m_replyText),
       m_channel(m_connection, m_secureChannel, m_server, m_replyText,
                 [this](ULONG sent, ULONG total) { return OnProgress(sent, total); }) {
     StartSockets();
@@ -67,9 +67,6 @@ int CSmtp::Connect(const WideString& server, TlsMode mode) {
 }
 
 int CSmtp::Establish(TlsMode mode) {
-    if (mode != TlsNone && !SecureChannel::IsAvailable()) {
-        return Fail(NoEncryptionText());
-    }
     in_addr address{};
     if (Resolve(address) != 0 || ConnectWithAttempts(address) != 0) {
         return -1;
@@ -120,7 +117,7 @@ int CSmtp::SecureFromTheStart(const in_addr& address, TlsMode& mode) {
         mode = TlsStartTls;
         return 0;
     }
-    const int result = m_secureChannel.Handshake();
+    const int result = Handshake();
     if (result != -2) {
         return result;
     }
@@ -194,7 +191,16 @@ int CSmtp::StartTls(const WideString& capabilities) {
     if (reply != 220) {
         return reply;
     }
-    return m_secureChannel.Handshake() == 0 ? 0 : -1;
+    // Whatever the server has said behind its reply, perhaps in another's name, it has said in
+    // clear (RFC 3207 section 6): the beginning of a handshake that is none.
+    if (HoldsMoreThanReply(m_replyText)) {
+        return Fail(NegotiationText(m_server, SEC_E_INVALID_TOKEN));
+    }
+    return Handshake() == 0 ? 0 : -1;
+}
+
+int CSmtp::Handshake() {
+    return m_secureChannel.Handshake(std::chrono::seconds(m_replyTimeout));
 }
 
 int CSmtp::SendMail(COutgoingMessage& message) {

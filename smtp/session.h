@@ -27,8 +27,6 @@ enum TlsMode {
 // or -1 for a failure whose words are in the error text. After a refusal the connection is sound
 // and Close says QUIT; after -1 its state is unknown and Close just closes. Used by one thread at a
 // time; every operation blocks. Throws std::bad_alloc.
-//
-// This version has no encryption: Connect in a mode other than TlsNone fails.
 class CSmtp {
 public:
     // Takes the computer's name as m_heloHost.
@@ -77,6 +75,7 @@ private:
     int Hello(TlsMode mode);
     int SayHello();
     int StartTls(const WideString& capabilities);
+    int Handshake();
 
     int Authenticate(const WideString& capabilities);
     int AuthLogin();

@@ -1,7 +1,6 @@
 #include "smtp/token_exchange.h"
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 #include "smtp/failure_text.h"
@@ -20,8 +19,7 @@ int FailSocket(const TokenChannel& channel) {
 
 }  // namespace
 
-int SendToken(const TokenChannel& channel, std::string_view bytes, long long replyTimeout) {
-    const std::chrono::seconds limit(replyTimeout);
+int SendToken(const TokenChannel& channel, std::string_view bytes, Milliseconds limit) {
     SocketStatus status = channel.connection.Send(bytes, limit);
     if (status == SocketStatus::Done) {
         status = channel.connection.WaitWritable(limit);
@@ -36,10 +34,10 @@ int SendToken(const TokenChannel& channel, std::string_view bytes, long long rep
     }
 }
 
-int ReceiveToken(const TokenChannel& channel, std::span<char> buffer, long long replyTimeout) {
+int ReceiveToken(const TokenChannel& channel, std::span<char> buffer, Milliseconds limit) {
     std::fill(buffer.begin(), buffer.end(), '\0');
     std::size_t count = 0;
-    SocketStatus status = channel.connection.WaitReadable(std::chrono::seconds(replyTimeout));
+    SocketStatus status = channel.connection.WaitReadable(limit);
     if (status == SocketStatus::Done) {
         status = channel.connection.Receive(buffer, count);
     }

@@ -18,11 +18,11 @@ struct TokenChannel {
 };
 
 // 1 after all bytes are sent and the socket takes more; -1 with the words of the failure, also when
-// the peer takes nothing for as long as the reply time-out (seconds).
-int SendToken(const TokenChannel& channel, std::string_view bytes, long long replyTimeout);
+// the peer takes nothing for as long as the limit.
+int SendToken(const TokenChannel& channel, std::string_view bytes, Milliseconds limit);
 
 // The number of bytes that were put into the buffer, whose rest is zero; 0 when nothing arrived
-// within the reply time-out (seconds), and no words then; -1 with words on an error or a close.
-int ReceiveToken(const TokenChannel& channel, std::span<char> buffer, long long replyTimeout);
+// within the limit, and no words then; -1 with words on an error or a close.
+int ReceiveToken(const TokenChannel& channel, std::span<char> buffer, Milliseconds limit);
 
 }  // namespace quorvane

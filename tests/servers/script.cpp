@@ -91,6 +91,8 @@ bool ParseStep(std::string_view line, Script& script) {
         script.push_back({Kind::ExpectMessage, {}});
     } else if (TakePrefix(line, "C: (message up to ")) {
         script.push_back({Kind::ExpectBeginning, {}, TakeNumber(line)});
+    } else if (line == "C: (handshake)") {
+        script.push_back({Kind::ExpectHandshake, {}});
     } else if (line == "C:" || line.starts_with("C: ")) {
         script.push_back(
             {Kind::Expect, std::string(line.substr(std::min<size_t>(3, line.size())))});

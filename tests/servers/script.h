@@ -5,6 +5,7 @@
 //     C: EHLO client.example.test          the client must say exactly this line
 //     C: (message)                         the client must say the message, as the test expects it
 //     C: (message up to 8192)              and this many bytes of its beginning
+//     C: (handshake)                       the first record of a TLS handshake
 //     S part: "250-mx"                     the server says these bytes, without a line end
 //     S filler: 2048 "x"                   the server says this, repeated, up to that many bytes
 //     server waits 300                     milliseconds
@@ -29,6 +30,7 @@ struct Step {
         Expect,
         ExpectMessage,
         ExpectBeginning,
+        ExpectHandshake,
         Wait,
         Close,
         Reset,

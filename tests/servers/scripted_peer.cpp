@@ -84,6 +84,8 @@ private:
                 return ExpectMessage();
             case Step::Kind::ExpectBeginning:
                 return ExpectBeginning(static_cast<std::size_t>(step.number));
+            case Step::Kind::ExpectHandshake:
+                return ExpectHandshake();
             case Step::Kind::Wait:
                 std::this_thread::sleep_for(std::chrono::milliseconds(step.number));
                 return true;
@@ -144,6 +146,29 @@ private:
         const std::string expected = peer_.message_.substr(0, size);
         return beginning == expected ||
                Deviate("began a wrong message, " + Difference(expected, beginning));
+    }
+
+    bool ExpectHandshake() {
+        constexpr std::size_t headerSize = 5;
+        const auto size = [](std::string_view record) {
+            return record.size() < headerSize
+                       ? headerSize
+                       : headerSize + static_cast<unsigned char>(record[3]) * 256u +
+                             static_cast<unsigned char>(record[4]);
+        };
+        const auto deadline = Deadline();
+        std::string& bytes = leaveUnread_ ? peeked_ : received_;
+        while (bytes.size() < size(bytes) && WaitForData(deadline)) {
+            if (leaveUnread_) {
+                bytes = socket_.Peek();
+            } else if (!socket_.Receive(bytes)) {
+                break;
+            }
+        }
+        const std::string record = bytes.substr(0, size(bytes));
+        bytes.erase(0, record.size());
+        return (record.size() > headerSize && record[0] == '\x16') ||
+               Deviate("should have begun a TLS handshake but said '" + Printable(record) + "'");
     }
 
     void ExpectEnd() {

@@ -27,7 +27,7 @@ protected:
         peer_ = listener_.Accept();
     }
 
-    int Receive(std::span<char> buffer) { return ReceiveToken(channel_, buffer, 1); }
+    int Receive(std::span<char> buffer) { return ReceiveToken(channel_, buffer, Milliseconds{1000}); }
 
     LoopbackListener listener_;
     SocketConnection connection_;
@@ -73,7 +73,7 @@ TEST_F(Connection, SendsALongTokenWhole) {
         while (received.size() < token.size() && peer_.Receive(received)) {
         }
     });
-    EXPECT_EQ(SendToken(channel_, token, 10), 1);
+    EXPECT_EQ(SendToken(channel_, token, kLong), 1);
     connection_.Close();
     reader.join();
     EXPECT_TRUE(received == token);
@@ -81,7 +81,7 @@ TEST_F(Connection, SendsALongTokenWhole) {
 
 TEST_F(Connection, TokenThatNobodyTakesFails) {
     const std::string token(8'000'000, 'x');
-    EXPECT_EQ(SendToken(channel_, token, 1), -1);
+    EXPECT_EQ(SendToken(channel_, token, Milliseconds{1000}), -1);
     EXPECT_EQ(ToUtf8(text_),
               "Mail server mx.example.test did not accept data within specified timeout");
 }
@@ -93,7 +93,7 @@ TEST_F(Connection, TokenForAPeerThatIsGone) {
     ASSERT_EQ(connection_.WaitReadable(kLong), SocketStatus::Done);
     int result = 1;
     for (int i = 0; i < 10 && result == 1; ++i) {  // the first may be taken by the system
-        result = SendToken(channel_, "token", 1);
+        result = SendToken(channel_, "token", Milliseconds{1000});
     }
     EXPECT_EQ(result, -1);
     EXPECT_NE(ToUtf8(text_).find("onnection to mail server mx.example.test"), std::string::npos);

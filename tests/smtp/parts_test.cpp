@@ -147,6 +147,26 @@ TEST(Reply, HasTheCodeOfItsFirstLineAndAllWords) {
     }
 }
 
+// Words behind a reply may be another's, put there before the connection was encrypted.
+TEST(Reply, MayHaveMoreBehindIt) {
+    const struct {
+        WideString text;
+        bool more;
+    } cases[] = {
+        {OLESTR(""), false},
+        {OLESTR("220 Go"), false},
+        {OLESTR("220"), false},
+        {OLESTR("220-Go\r\n220 ahead"), false},
+        {OLESTR("220-Go\r\n220-ahead"), false},
+        {OLESTR("220 Go\r\n250 x"), true},
+        {OLESTR("220\n2"), true},
+        {OLESTR("220-Go\r\n220 ahead\r\n220-x"), true},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(HoldsMoreThanReply(c.text), c.more) << ToUtf8(c.text);
+    }
+}
+
 TEST(SocketError, HasItsText) {
     const WideString server = OLESTR("Mail.Example.TEST");
     const struct {

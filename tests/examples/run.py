@@ -1,0 +1,128 @@
+"""Runs the examples as they stand and judges what arrives.
+
+    run.py BIN [EMULATOR]
+
+BIN is the bin folder of a build. With an emulator it is a Windows build, whose script host runs
+the scripts too.
+"""
+
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+sys.path += [str(ROOT / "tests" / "servers"), str(ROOT / "tests" / "real")]
+
+import mime_check  # noqa: E402
+from mail_catcher import Catcher  # noqa: E402
+
+EXAMPLES = ROOT / "examples"
+BIN, EMULATOR = Path(sys.argv[1]), sys.argv[2:]
+TIMEOUT_SECONDS = 100
+
+
+def setUpModule():
+    if EMULATOR:  # what every Windows knows, and a fresh prefix of Wine doesn't
+        subprocess.run([*EMULATOR, "reg", "add", r"HKLM\Software\Classes\.png", "/v",
+                        "Content Type", "/d", "image/png", "/f"],
+                       check=True, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
+
+
+class Examples(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        folder = tempfile.TemporaryDirectory(prefix="quorvane-")
+        cls.addClassCleanup(folder.cleanup)
+        cls.catcher = Catcher(folder.name)
+        cls.addClassCleanup(cls.catcher.stop)
+        cls.server = ("127.0.0.1", cls.catcher.port)
+
+    def run_program(self, name, *arguments):
+        """The exit status and what it said."""
+        program = BIN / (name + (".exe" if EMULATOR else ""))
+        done = subprocess.run([*EMULATOR, program, *map(str, arguments)], capture_output=True,
+                              stdin=subprocess.DEVNULL, timeout=TIMEOUT_SECONDS)
+        return done.returncode, (done.stdout + done.stderr).decode().strip()
+
+    def assert_sent(self, outcome):
+        """It was sent; returns the envelope and the message."""
+        self.assertEqual(outcome, (0, "Sent."))
+        [(envelope, raw)] = self.catcher.messages()
+        self.assertEqual(mime_check.faults(raw), [])
+        return envelope, mime_check.parse(raw)
+
+    def files(self, message):
+        return {part.name: part.content for part in mime_check.leaves(message) if part.disposition}
+
+
+class Programs(Examples):
+    def test_memory(self):
+        _, message = self.assert_sent(self.run_program("memory-example", *self.server))
+        rows = self.files(message)["squares.csv"].decode().split("\r\n")
+        self.assertEqual((len(rows), rows[100]), (102, "100,10000"))
+
+    def test_sample(self):
+        sample = EXAMPLES / "sample"
+        _, message = self.assert_sent(self.run_program("send-example", sample, *self.server))
+        self.assertEqual(self.files(message), {
+            name: (sample / file).read_bytes() for name, file in (
+                ("logo.png", "logo.png"), ("programme.pdf", "programme.pdf"),
+                ("Menü.csv", "menu.csv"))})
+
+
+class Scripts:
+    """What the scripts of each language do."""
+
+    def run_script(self, name, *arguments):
+        return self.run_program("scripthost", EXAMPLES / f"{name}.{self.language}", *arguments)
+
+    def test_simple(self):
+        envelope, message = self.assert_sent(self.run_script("simple", *self.server))
+        self.assertEqual(envelope["from"], "zoe@bjork.example")
+        self.assertEqual(envelope["to"], ["ann@example.org", "bob@example.org"])
+        self.assertEqual(mime_check.structure(message), "text/plain")
+        self.assertEqual(message.get_payload(), "Dinner at eight?\r\n")
+
+    def test_attachments(self):
+        _, message = self.assert_sent(self.run_script("attachments", *self.server))
+        self.assertEqual(self.files(message), {
+            name: (EXAMPLES / "sample" / name).read_bytes()
+            for name in ("programme.pdf", "menu.csv")})
+
+    def test_newsletter(self):
+        folder = EXAMPLES / "newsletter"
+        _, message = self.assert_sent(self.run_script("newsletter", *self.server))
+        self.assertEqual(
+            mime_check.structure(message),
+            "multipart/related(multipart/alternative(text/plain,text/html)"
+            ",image/png,image/png,image/png)")
+        self.assertEqual(self.files(message), {
+            path.name: path.read_bytes() for path in (folder / "images").iterdir()})
+        text, html, *pictures = mime_check.leaves(message)
+        self.assertEqual(text.content, (folder / "newsletter.txt").read_bytes())
+        names = {part.content_id: f"images/{part.name}" for part in pictures}
+        restored = re.sub(r"cid:(\w+)", lambda found: names[found[1]], html.content.decode())
+        self.assertEqual(restored, (folder / "newsletter.html").read_bytes().decode())
+
+    def test_errors(self):
+        self.assert_sent(self.run_script("errors", *self.server, "ann@example.org"))
+        self.assertEqual(self.run_script("errors", *self.server, " ; "),
+                         (2, "Wrong use: Message must have at least one recipient"))
+        self.assertEqual(self.run_script("errors", "127.0.0.1", 1, "ann@example.org"),
+                         (1, "Something broke on the way: Could not connect to mail server "
+                             "127.0.0.1, connection refused."))
+
+
+if EMULATOR:
+    class VBScript(Scripts, Examples):
+        language = "vbs"
+
+    class JScript(Scripts, Examples):
+        language = "js"
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1], verbosity=2)

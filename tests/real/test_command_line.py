@@ -39,6 +39,9 @@ class CommandLineTest(SendTest):
         empty = self.file("empty.txt", "")
         latin = self.file("latin.txt", b"Gr\xfc\xdfe")
         zero = self.file("zero.txt", b"a\0b")
+        unquoted = self.file("unquoted.html", "<img src=a.png>")
+        gone = self.file("gone.html", '<img src="gone.png">')
+        foreign = self.file("foreign.html", '<img src="ü.png">')
         server = ["--server", "127.0.0.1:1"]
         simple = [*server, *SIMPLE_ARGUMENTS]
         cases = [
@@ -72,6 +75,9 @@ class CommandLineTest(SendTest):
             ([*simple, "--text-file", zero], "NUL"),
             ([*simple, "--text-file", self.folder], "is a folder"),
             ([*simple, "--text-file", self.folder / "none"], "Can't read"),
+            ([*simple, "--html-file", unquoted], "malformed HTML file"),
+            ([*simple, "--html-file", gone], "Couldn't open attachment file "),
+            ([*simple, "--html-file", foreign], "beyond ASCII"),
             ([*simple, "--body-file", self.folder / "none"], "Can't read"),
             ([*simple, "--attach", self.folder / "none"], "Couldn't open attachment file "),
             ([*simple, "--attach", self.folder], "is a folder"),
@@ -95,6 +101,7 @@ class CommandLineTest(SendTest):
                 ([*simple, "--body-file", pipe], "no regular file"),
                 ([*simple, "--attach", self.folder / "a\\b.txt"], "holds a backslash"),
                 ([*simple, "--attach", "C:/etc"], "begins like a drive"),
+                ([*simple, "--html-file", self.folder / "a\\b.txt"], "holds a backslash"),
             ]
         for arguments, fragment in self.some(cases, 6):
             with self.subTest(arguments=arguments):
@@ -116,7 +123,8 @@ class CommandLineTest(SendTest):
         done = self.client.run("--help")
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         for option in ("--server", "--direct", "--from", "--to", "--cc", "--bcc", "--reply-to",
-                       "--subject", "--text", "--text-file", "--html", "--html-file", "--alt",
+                       "--subject", "--text", "--text-file", "--html", "--html-file",
+                       "--no-import", "--alt",
                        "--charset", "--alt-charset", "--encoding", "--attach", "--inline",
                        "--header", "--priority", "--read-receipt", "--message-id", "--body-file",
                        "--user", "--password-file", "--spa", "--ssl", "--timeout", "--attempts",
@@ -208,6 +216,26 @@ class CommandLineTest(SendTest):
         self.assertEqual({name: header[name] for name in expected}, expected)
         self.assertEqual(mime_check.decode_words(header["Cc"]), "Zoë <zoe@example.org>")
         self.assertEqual(envelope["helo"], "sender.example.org")
+
+    def test_pictures_of_an_html_file(self):
+        (self.folder / "sub").mkdir()
+        picture = self.file("sub/a.png", b"picture")
+        html = ('<p>Zoë ÁÍÏÐÝ 5 € Ж 😀</p>\r\n<img src="{}"><img src="http://x/a.png">'
+                '<script src="SUB/A.PNG"></script>')
+        given = "\ufeff" + html.format("sub/a.png").replace("\r\n", "\n")
+        page = self.file("page.html", given)
+        _, raw = self.caught(*SIMPLE_ARGUMENTS, "--html-file", page)
+        body, part = mime_check.leaves(mime_check.parse(raw))
+        self.assert_content(body, html.format("cid:i0000").replace("SUB/A.PNG", "cid:i0000"))
+        self.assertEqual((part.disposition, part.content_id, part.name, part.content),
+                         ("inline", "i0000", "a.png", b"picture"))
+        for arguments, stdin in ((["--html-file", page, "--no-import"], None),
+                                 (["--html-file", "-"], given.encode()),
+                                 (["--html-file", page, "--inline", f"{picture},cid=x"], None)):
+            with self.subTest(arguments=arguments):
+                _, raw = self.caught(*SIMPLE_ARGUMENTS, *arguments, stdin=stdin)
+                self.assert_content(mime_check.leaves(mime_check.parse(raw))[0],
+                                    html.format("sub/a.png"))
 
     def test_line_ends_become_those_of_mail(self):
         for given in ("a\nb\n\nc", "a\r\nb\r\n\r\nc", "a\rb\r\rc"):

@@ -28,7 +28,7 @@ struct DirectSettings {
 
 // Sends the message to its recipients domain after domain, each time in one session with the first
 // of the domain's mail exchangers that takes the connection. The message is composed anew for each
-// domain and has the same header every time.
+// domain; a generated identifier is another one then.
 //
 // 0 when all domains have it, also when there was none. Otherwise the first failure: the code of
 // the session (see CSmtp), or -1 for a failed look-up, with its words in `errorText`. Later domains

@@ -102,11 +102,11 @@ def run_real(totals):
             [sys.executable, "tests/real/run.py", system, str(BUILD / preset / "bin")], cwd=ROOT,
             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, stdin=subprocess.DEVNULL)
         print(process.stdout, end="", flush=True)
-        found = re.findall(r"(\d+) passed, (\d+) failed", process.stdout)
-        passed, failed = map(int, found[-1]) if found else (0, 0)
+        found = re.findall(r"(\d+) passed, (\d+) failed(?:, (\d+) skipped)?", process.stdout)
+        passed, failed, skipped = (int(n or 0) for n in found[-1]) if found else (0, 0, 0)
         if process.returncode and not failed:
             failed = 1
-        totals.add(f"real {system}", passed, failed)
+        totals.add(f"real {system}", passed, failed, skipped)
 
 
 def with_wine(action, totals):

@@ -233,6 +233,23 @@ TEST_F(Send, TimeOutOfTheSettingsBoundsTheWait) {
                                            "timeout to the following command: EHLO client.test"));
 }
 
+// Recipients without a domain are left out; one whose domain is empty is a failure.
+TEST_F(Send, DirectDeliveryNeedsDomains) {
+    const auto message = New<CMailMessage, IMailMessage>();
+    message->put_Sender(Address(OLESTR("s")).Get());
+    message->AddRecipient(Address(OLESTR("postmaster")).Get());
+    EXPECT_EQ(mail->Send(message.Get(), VARIANT_FALSE, text.Receive(), &code), S_OK);
+    EXPECT_EQ(code, 0);
+    EXPECT_EQ(text.Get(), nullptr);
+
+    message->AddCcRecipient(Address(OLESTR("a@")).Get());
+    EXPECT_EQ(mail->Send(message.Get(), VARIANT_FALSE, text.Receive(), &code), S_FALSE);
+    EXPECT_EQ(code, -1);
+    EXPECT_EQ(FromBstr(text.Get()), OLESTR("Invalid address: domain can't be empty"));
+    ExpectLastError(-1, OLESTR("Invalid address: domain can't be empty"));
+    EXPECT_EQ(TakeErrorText(), "-") << "an outcome, not wrong use";
+}
+
 // Throws where the component least expects it.
 class ThrowingMessage {
 public:

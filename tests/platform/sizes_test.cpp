@@ -4,6 +4,7 @@
 #include <windows.h>
 #include <ws2tcpip.h>
 #include <olectl.h>
+#include <windns.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -53,6 +54,9 @@ static_assert(offsetof(sockaddr_in, sin_addr) == 4);
 static_assert(sizeof(WSAPOLLFD) == 16 && offsetof(WSAPOLLFD, events) == 8);
 static_assert(sizeof(ADDRINFOA) == 48 && offsetof(ADDRINFOA, ai_addr) == 32);
 static_assert(sizeof(WSADATA) == 408);
+static_assert(sizeof(DNS_STATUS) == 4 && sizeof(IP4_ARRAY) == 8);
+static_assert(offsetof(DNS_RECORDW, wType) == 16 && offsetof(DNS_RECORDW, Data) == 32);
+static_assert(sizeof(DNS_MX_DATAW) == 16 && offsetof(DNS_MX_DATAW, wPreference) == 8);
 
 // An interface is a pointer to a table of its functions in the order of their declaration, and
 // nothing else: a virtual destructor would take places of its own.
@@ -208,6 +212,23 @@ constexpr NumberPair kNumbers[] = {
     {WSAETIMEDOUT, 10060},
     {WSAECONNREFUSED, 10061},
     {WSAHOST_NOT_FOUND, 11001},
+    {ERROR_MR_MID_NOT_FOUND, 317},
+    {ERROR_TIMEOUT, 1460},
+    {DNS_ERROR_RCODE_FORMAT_ERROR, 9001},
+    {DNS_ERROR_RCODE_SERVER_FAILURE, 9002},
+    {DNS_ERROR_RCODE_NAME_ERROR, 9003},
+    {DNS_ERROR_RCODE_NOT_IMPLEMENTED, 9004},
+    {DNS_ERROR_RCODE_REFUSED, 9005},
+    {DNS_INFO_NO_RECORDS, 9501},
+    {DNS_ERROR_BAD_PACKET, 9502},
+    {DNS_ERROR_INVALID_NAME_CHAR, 9560},
+    {DNS_TYPE_MX, 15},
+    {DNS_QUERY_STANDARD, 0},
+    {DNS_QUERY_BYPASS_CACHE, 8},
+    {DnsFreeRecordList, 1},
+    {FORMAT_MESSAGE_IGNORE_INSERTS, 0x200},
+    {FORMAT_MESSAGE_FROM_SYSTEM, 0x1000},
+    {MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), 0x400},
 };
 constexpr bool AllNumbersRight() {
     for (const NumberPair& number : kNumbers) {

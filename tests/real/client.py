@@ -1,5 +1,6 @@
 """quorvane-send of a build, run natively or under Wine."""
 
+import copy
 import os
 import pathlib
 import subprocess
@@ -18,17 +19,22 @@ class Client:
         self._command = [str(program)]
         if windows:
             self._command.insert(0, str(ROOT / "scripts/lib/run-wine"))
+        self._environment = {}
+
+    def inside(self, command, environment):
+        """The same, run by the command that stands in front, with these environment variables."""
+        other = copy.copy(self)
+        other._command = [*command, *self._command]
+        other._environment = environment
+        return other
 
     def run(self, *arguments, stdin=None):
         """Runs it; the result has returncode, and stdout and stderr as text."""
         done = subprocess.run(
             [*self._command, *map(str, arguments)], input=stdin or b"", capture_output=True,
-            timeout=TIMEOUT_SECONDS, env=self._environment())
+            timeout=TIMEOUT_SECONDS,
+            # Wine reads names and arguments by the locale, which a build server may leave unset.
+            env={**os.environ, "LC_ALL": "C.UTF-8", **self._environment})
         done.stdout = done.stdout.decode("utf-8").replace("\r\n", "\n")
         done.stderr = done.stderr.decode("utf-8").replace("\r\n", "\n")
         return done
-
-    @staticmethod
-    def _environment():
-        # Wine reads names and arguments by the locale, which a build server may leave unset.
-        return dict(os.environ, LC_ALL="C.UTF-8")

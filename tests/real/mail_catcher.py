@@ -9,10 +9,11 @@ PROGRAM = pathlib.Path(__file__).resolve().parents[1] / "servers" / "catcher.py"
 
 
 class Catcher:
-    def __init__(self, folder):
+    def __init__(self, folder, *options, command=()):
+        """With these options of the catcher's own, run by the command that stands in front."""
         self.folder = pathlib.Path(folder)
         self._process = subprocess.Popen(
-            [str(PROGRAM), str(self.folder)], stdin=subprocess.DEVNULL,
+            [*command, str(PROGRAM), str(self.folder), *options], stdin=subprocess.DEVNULL,
             stdout=subprocess.PIPE, text=True)
         line = self._process.stdout.readline()
         if not line:

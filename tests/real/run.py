@@ -5,7 +5,8 @@
 
 BIN is the bin folder of a build. Without either, those of build/linux-release and
 build/windows-release are taken as far as they exist. WORDs select tests that have one in their
-name. Prints one line per test and 'N passed, M failed' at the end.
+name. Prints one line per test and 'N passed, M failed' at the end, with ', K skipped' behind it when
+the machine doesn't permit what K tests need.
 """
 
 import argparse
@@ -17,11 +18,19 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "servers"))
 
 import test_command_line  # noqa: E402
+<<<<<<< HEAD
 import test_gallery  # noqa: E402
 import test_relay  # noqa: E402
 from client import ROOT, Client  # noqa: E402
 
 MODULES = (test_relay, test_command_line, test_gallery)
+=======
+import test_direct  # noqa: E402
+import test_relay  # noqa: E402
+from client import ROOT, Client  # noqa: E402
+
+MODULES = (test_relay, test_direct, test_command_line)
+>>>>>>> 4ad1d4a (wip)
 
 
 class LineResult(unittest.TestResult):
@@ -32,10 +41,12 @@ class LineResult(unittest.TestResult):
         self.system = system
         self.failed = 0
         self._problems = []
+        self._reason = None  # why the test was skipped
 
     def startTest(self, test):
         super().startTest(test)
         self._problems = []
+        self._reason = None
         self._started = time.monotonic()
 
     def addError(self, test, error):
@@ -48,15 +59,19 @@ class LineResult(unittest.TestResult):
 
     addFailure = addError
 
+    def addSkip(self, test, reason):
+        super().addSkip(test, reason)
+        self._reason = reason
+
     def addSubTest(self, test, subtest, error):
         if error:
             self._problems.append((subtest, error))
 
     def stopTest(self, test):
         name = test.id().rpartition(".")[2].removeprefix("test_").replace("_", " ")
-        seconds = time.monotonic() - self._started
-        print(f"{'FAILED' if self._problems else 'ok':8}{self.system:8}{name} ({seconds:.1f} s)",
-              flush=True)
+        word = "FAILED" if self._problems else "SKIPPED" if self._reason else "ok"
+        remark = self._reason or f"{time.monotonic() - self._started:.1f} s"
+        print(f"{word:8}{self.system:8}{name} ({remark})", flush=True)
         for problem, error in self._problems:
             text = self._exc_info_to_string(error, test)
             print(f"    {problem}\n    " + text.replace("\n", "\n    "), flush=True)
@@ -74,14 +89,15 @@ def selected(words):
 
 
 def run(client, system, words):
-    """Numbers of tests that passed and that failed with this client."""
+    """Numbers of tests that passed, failed and were skipped with this client."""
     result = LineResult(system)
     for module in MODULES:
         for value in vars(module).values():
             if isinstance(value, type) and issubclass(value, unittest.TestCase):
                 value.client = client
     unittest.TestSuite(selected(words)).run(result)
-    return result.testsRun - result.failed if result.testsRun else 0, result.failed
+    skipped = len(result.skipped)
+    return max(result.testsRun - result.failed - skipped, 0), result.failed, skipped
 
 
 def main():
@@ -96,12 +112,13 @@ def main():
             folder = ROOT / "build" / preset / "bin"
             if (folder / "quorvane-send").exists() or (folder / "quorvane-send.exe").exists():
                 folders[system] = folder
-    passed = failed = 0
+    totals = [0, 0, 0]
     for system, folder in folders.items():
         if folder:
-            good, bad = run(Client(Path(folder), system == "windows"), system, options.words)
-            passed, failed = passed + good, failed + bad
-    print(f"{passed} passed, {failed} failed")
+            counts = run(Client(Path(folder), system == "windows"), system, options.words)
+            totals = [total + count for total, count in zip(totals, counts)]
+    passed, failed, skipped = totals
+    print(f"{passed} passed, {failed} failed" + (f", {skipped} skipped" if skipped else ""))
     return 1 if failed or not passed else 0
 
 

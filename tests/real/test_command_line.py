@@ -91,6 +91,8 @@ class CommandLineTest(SendTest):
             ([*simple, "--charset", "koi8-r", "--subject", "Ж"], "koi8-r"),
             ([*simple, "--user", "u"], "--password-file"),
             ([*simple, "--password-file", latin], "--user"),
+            ([*simple, "--direct"], "--server"),
+            (["--direct", "--timeout", "5", *SIMPLE_ARGUMENTS], "--timeout"),
         ]
         if not self.client.windows:
             pipe = self.folder / "pipe"
@@ -111,7 +113,7 @@ class CommandLineTest(SendTest):
                 self.assertIn(fragment, done.stderr)
 
     def test_options_of_later_versions_are_refused(self):
-        for option in (["--direct"], ["--ssl"], ["--spa"], ["--async"], ["--threads", "2"]):
+        for option in (["--ssl"], ["--spa"], ["--async"], ["--threads", "2"]):
             with self.subTest(option=option[0]):
                 done = self.send(*SIMPLE_ARGUMENTS, *option, status=2)
                 self.assertIn(f"{option[0]} is not available in this version.", done.stderr)

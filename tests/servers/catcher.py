@@ -3,7 +3,8 @@
 
 Prints the port it listens on as its first line. Message N becomes two files, N counted from 0001:
 `N.eml` holds the bytes that came after DATA, with the doubled dots undone and nothing else
-changed; `N.json` holds the envelope and appears only when both are complete.
+changed; `N.json` holds the envelope and the address that took it, and appears only when both are
+complete. A recipient with the local part "refused" is refused.
 
 It ends when the process that started it is gone, or after --limit seconds.
 """
@@ -30,11 +31,18 @@ class Folder:
         self.path = path
         self.count = 0
 
+    async def handle_RCPT(self, server, session, envelope, address, options):
+        if address.startswith("refused@"):
+            return "550 no such user here"
+        envelope.rcpt_tos.append(address)
+        return "250 OK"
+
     async def handle_DATA(self, server, session, envelope):
         self.count += 1
         stem = self.path / f"{self.count:04}"
         stem.with_suffix(".eml").write_bytes(envelope.original_content)
         record = {
+            "server": server.transport.get_extra_info("sockname")[0],
             "helo": session.host_name,
             "from": envelope.mail_from,
             "to": envelope.rcpt_tos,
@@ -55,7 +63,7 @@ async def catch(arguments):
         return Catcher(folder, data_size_limit=None, hostname="catcher.test", ident="ready")
 
     server = await asyncio.get_running_loop().create_server(
-        connection, "127.0.0.1", arguments.port)
+        connection, arguments.host or "127.0.0.1", arguments.port)
     print(server.sockets[0].getsockname()[1], flush=True)
     async with server:
         waited = 0.0
@@ -67,6 +75,8 @@ async def catch(arguments):
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("folder", type=pathlib.Path, help="folder that the messages go to")
+    parser.add_argument("--host", action="append",
+                        help="address to listen on (default: 127.0.0.1); may be repeated")
     parser.add_argument("--port", type=int, default=0, help="port to listen on (default: a free one)")
     parser.add_argument("--limit", type=float, default=600, help="seconds after which it ends")
     try:

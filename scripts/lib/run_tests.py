@@ -97,7 +97,7 @@ def run_ctest(preset, totals):
 
 def run_real(totals):
     for system, preset in (("--native", "linux-release"), ("--windows", "windows-release")):
-        say(f"real mail through Exim, {system[2:]}")
+        say(f"real mail, {system[2:]}")
         process = subprocess.run(
             [sys.executable, "tests/real/run.py", system, str(BUILD / preset / "bin")], cwd=ROOT,
             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, stdin=subprocess.DEVNULL)

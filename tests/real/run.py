@@ -18,19 +18,12 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "servers"))
 
 import test_command_line  # noqa: E402
-<<<<<<< HEAD
+import test_direct  # noqa: E402
 import test_gallery  # noqa: E402
 import test_relay  # noqa: E402
 from client import ROOT, Client  # noqa: E402
 
-MODULES = (test_relay, test_command_line, test_gallery)
-=======
-import test_direct  # noqa: E402
-import test_relay  # noqa: E402
-from client import ROOT, Client  # noqa: E402
-
-MODULES = (test_relay, test_direct, test_command_line)
->>>>>>> 4ad1d4a (wip)
+MODULES = (test_relay, test_direct, test_command_line, test_gallery)
 
 
 class LineResult(unittest.TestResult):

@@ -113,7 +113,7 @@ class CommandLineTest(SendTest):
                 self.assertIn(fragment, done.stderr)
 
     def test_options_of_later_versions_are_refused(self):
-        for option in (["--ssl"], ["--spa"], ["--async"], ["--threads", "2"]):
+        for option in (["--async"], ["--threads", "2"]):
             with self.subTest(option=option[0]):
                 done = self.send(*SIMPLE_ARGUMENTS, *option, status=2)
                 self.assertIn(f"{option[0]} is not available in this version.", done.stderr)

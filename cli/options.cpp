@@ -219,7 +219,7 @@ void CollectBodies(const Raw& raw, Options& options) {
         }
         options.alternative = text;
     }
-    if (!raw.noImport && raw.inlined.empty() && HasPlace(raw.htmlFile)) {
+    if (options.html && !raw.noImport && raw.inlined.empty() && HasPlace(raw.htmlFile)) {
         RequireSameMeaning(raw.htmlFile);
         options.picturesOf = raw.htmlFile;
     }

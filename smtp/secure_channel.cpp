@@ -22,7 +22,7 @@ std::string_view BytesOf(const SecBuffer& buffer) {
 }  // namespace
 
 bool SecureChannel::pending() const {
-    return !m_plain.empty() || HoldsTlsRecord(m_received);
+    return !m_plain.empty() || HoldsTlsRecord(m_received) || !MayBeginTlsRecord(m_received);
 }
 
 int SecureChannel::Handshake(Milliseconds replyTimeout) {

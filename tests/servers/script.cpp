@@ -108,6 +108,8 @@ bool ParseStep(std::string_view line, Script& script) {
         script.push_back({Kind::SayPart, Repeat(TakeQuoted(line), static_cast<std::size_t>(size))});
     } else if (TakePrefix(line, "server waits ")) {
         script.push_back({Kind::Wait, {}, TakeNumber(line)});
+    } else if (line == "server secures") {
+        script.push_back({Kind::Secure, {}});
     } else if (line == "server closes") {
         script.push_back({Kind::Close, {}});
     } else if (line == "server resets") {

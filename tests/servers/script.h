@@ -8,6 +8,8 @@
 //     C: (handshake)                       the first record of a TLS handshake
 //     S part: "250-mx"                     the server says these bytes, without a line end
 //     S filler: 2048 "x"                   the server says this, repeated, up to that many bytes
+//     server secures                       the connection with TLS, where there is a TLS server: each
+//                                          piece of what it says is a record then
 //     server waits 300                     milliseconds
 //     server closes                        the connection
 //     server resets                        the connection, leaving the client's last line unread
@@ -31,6 +33,7 @@ struct Step {
         ExpectMessage,
         ExpectBeginning,
         ExpectHandshake,
+        Secure,
         Wait,
         Close,
         Reset,

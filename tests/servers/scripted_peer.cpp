@@ -4,6 +4,8 @@
 #include <chrono>
 #include <utility>
 
+#include "tests/servers/tls_server.h"
+
 namespace quorvane::testing {
 namespace {
 
@@ -86,6 +88,8 @@ private:
                 return ExpectBeginning(static_cast<std::size_t>(step.number));
             case Step::Kind::ExpectHandshake:
                 return ExpectHandshake();
+            case Step::Kind::Secure:
+                return Secure();
             case Step::Kind::Wait:
                 std::this_thread::sleep_for(std::chrono::milliseconds(step.number));
                 return true;
@@ -104,7 +108,7 @@ private:
     // A client that doesn't hear all of it isn't wrong; what it does next tells.
     void Say(const std::vector<std::string_view>& pieces) {
         for (const std::string_view piece : pieces) {
-            if (!socket_.Send(piece)) {
+            if (!socket_.Send(tls_ ? tls_->Encrypt(piece) : piece)) {
                 return;
             }
         }
@@ -138,7 +142,7 @@ private:
 
     bool ExpectBeginning(std::size_t size) {
         const auto deadline = Deadline();
-        while (received_.size() < size && WaitForData(deadline) && socket_.Receive(received_)) {
+        while (received_.size() < size && WaitForData(deadline) && Receive()) {
         }
         const std::string beginning = received_.substr(0, size);
         received_.erase(0, size);
@@ -171,6 +175,31 @@ private:
                Deviate("should have begun a TLS handshake but said '" + Printable(record) + "'");
     }
 
+    bool Secure() {
+        tls_ = MakeTlsServer();
+        const auto deadline = Deadline();
+        std::string bytes;
+        while (!tls_->established()) {
+            if (!WaitForData(deadline) || !socket_.Receive(bytes)) {
+                return Deviate("broke off the TLS handshake");
+            }
+            socket_.Send(tls_->Handshake(bytes));
+            bytes.clear();
+        }
+        return true;
+    }
+
+    // Adds what has arrived to what has been received.
+    bool Receive() {
+        if (!tls_) {
+            return socket_.Receive(received_);
+        }
+        std::string bytes;
+        const bool open = socket_.Receive(bytes);
+        received_ += tls_->Decrypt(bytes);
+        return open;
+    }
+
     void ExpectEnd() {
         std::size_t size = 0;
         ReceiveThrough("\r\n", size);
@@ -201,7 +230,7 @@ private:
                 peeked_ = socket_.Peek();
                 closed_ = peeked_.empty();
             } else {
-                closed_ = !socket_.Receive(received_);
+                closed_ = !Receive();
             }
             if (closed_) {
                 ending_ = "closed the connection";
@@ -238,6 +267,7 @@ private:
 
     ScriptedPeer& peer_;
     LoopbackSocket socket_;
+    std::unique_ptr<TlsServer> tls_;
     std::string received_;
     std::string peeked_;
     bool leaveUnread_ = false;

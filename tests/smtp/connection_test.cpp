@@ -27,7 +27,9 @@ protected:
         peer_ = listener_.Accept();
     }
 
-    int Receive(std::span<char> buffer) { return ReceiveToken(channel_, buffer, Milliseconds{1000}); }
+    int Receive(std::span<char> buffer) {
+        return ReceiveToken(channel_, buffer, Milliseconds{1000});
+    }
 
     LoopbackListener listener_;
     SocketConnection connection_;

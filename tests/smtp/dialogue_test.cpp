@@ -8,6 +8,7 @@
 #include <map>
 #include <ostream>
 
+#include "tests/servers/tls_server.h"
 #include "tests/smtp/dialogue_run.h"
 
 namespace quorvane::testing {
@@ -64,8 +65,18 @@ Failures TakeSlow(const Entry& wanted) {
 
 class Dialogue : public ::testing::TestWithParam<Entry> {};
 
+bool NeedsTlsServer(const DialogueCase& test) {
+    return std::ranges::any_of(test.connections, [](const Script& script) {
+        return std::ranges::any_of(
+            script, [](const Step& step) { return step.kind == Step::Kind::Secure; });
+    });
+}
+
 TEST_P(Dialogue, GoesAsWritten) {
     const Entry& entry = GetParam();
+    if (NeedsTlsServer(entry.test) && !MakeTlsServer()) {
+        GTEST_SKIP() << "there is no TLS server here";
+    }
     for (const std::string& failure : entry.test.slow ? TakeSlow(entry) : Play(entry)) {
         ADD_FAILURE() << failure;
     }

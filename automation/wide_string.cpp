@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdint>
 #include <stdexcept>
 
 namespace quorvane {
@@ -147,10 +148,10 @@ bool StartsWithIgnoreCase(WideView text, WideView prefix) {
     return EqualFolded(text.substr(0, prefix.size()), prefix);
 }
 
-WideString ToLowerAscii(WideView text) {
-    WideString lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), FoldAscii<WCHAR>);
-    return lower;
+std::size_t HashIgnoreCase(WideView text) {
+    std::uint64_t hash = 0xCBF29CE484222325;  // FNV-1a, a unit at a time
+    for (const WCHAR c : text) hash = (hash ^ FoldAscii(c)) * 0x100000001B3;
+    return static_cast<std::size_t>(hash ^ hash >> 32);
 }
 
 }  // namespace quorvane

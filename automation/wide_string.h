@@ -53,7 +53,7 @@ std::string_view Trim(std::string_view text);
 bool EqualIgnoreCase(WideView a, WideView b);
 bool EqualIgnoreCase(std::string_view a, std::string_view b);
 bool StartsWithIgnoreCase(WideView text, WideView prefix);
-// The text with its ASCII letters in lower case.
-WideString ToLowerAscii(WideView text);
+// The same for texts that EqualIgnoreCase calls equal.
+std::size_t HashIgnoreCase(WideView text);
 
 }  // namespace quorvane

@@ -40,7 +40,8 @@ WideString PlainlyAddImage(const WideString& file, Parts& parts) {
 
 // Nothing when the text is malformed.
 std::optional<WideString> PlainlyImport(const WideString& text, Parts& parts) {
-    const WideString lower = ToLowerAscii(text);
+    WideString lower = text;
+    for (WCHAR& c : lower) c = c >= 'A' && c <= 'Z' ? WCHAR(c + 32) : c;
     WideString out;
     std::size_t position = 0;
     for (;;) {

@@ -44,20 +44,29 @@ CAttachmentPart InlinePart(const WideString& file, const WideString& contentId) 
 }  // namespace
 
 InlineImages::InlineImages(std::vector<CAttachmentPart>& attachments) : attachments_(attachments) {
-    for (const CAttachmentPart& part : attachments) {
-        contentIds_.emplace(ToLowerAscii(part.file), part.contentId);
+    for (std::size_t i = 0; i < attachments.size(); ++i) {
+        const std::size_t hash = HashIgnoreCase(attachments[i].file);
+        if (!FirstWith(attachments[i].file, hash)) firsts_.emplace(hash, i);
     }
 }
 
+const CAttachmentPart* InlineImages::FirstWith(WideView file, std::size_t hash) const {
+    const auto [begin, end] = firsts_.equal_range(hash);
+    const auto found = std::find_if(begin, end, [&](const auto& entry) {
+        return EqualIgnoreCase(attachments_[entry.second].file, file);
+    });
+    return found != end ? &attachments_[found->second] : nullptr;
+}
+
 WideString InlineImages::AddInlineImage(const WideString& file) {
-    WideString key = ToLowerAscii(file);
-    const auto known = contentIds_.find(key);
-    if (known != contentIds_.end() && !known->second.empty()) return OLESTR("cid:") + known->second;
+    const std::size_t hash = HashIgnoreCase(file);
+    const CAttachmentPart* const first = FirstWith(file, hash);
+    if (first && !first->contentId.empty()) return OLESTR("cid:") + first->contentId;
     const std::size_t index = attachments_.size();
     const WideString contentId = ContentIdOf(index);
+    const bool isFirst = !first;
     AppendOrDrop(attachments_, InlinePart(file, contentId));
-    // A part without an identifier stays the first of its file: then each reference gets its own.
-    if (attachments_.size() > index) contentIds_.emplace(std::move(key), contentId);
+    if (isFirst && attachments_.size() > index) firsts_.emplace(hash, index);
     return OLESTR("cid:") + contentId;
 }
 

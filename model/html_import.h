@@ -33,8 +33,10 @@ public:
     WideString AddInlineImage(const WideString& file);
 
 private:
+    const CAttachmentPart* FirstWith(WideView file, std::size_t hash) const;
+
     std::vector<CAttachmentPart>& attachments_;
-    std::unordered_map<WideString, WideString> contentIds_;  // by the file's path in lower case
+    std::unordered_multimap<std::size_t, std::size_t> firsts_;  // index by hash of the path
 };
 
 // The text of a file, up to its first zero byte, taken from the calling thread's ANSI code page

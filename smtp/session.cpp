@@ -24,8 +24,9 @@ constexpr std::string_view kMessageEnd = "\r\n.\r\n";
 
 }  // namespace
 
-CSmtp::CSmtp()
-    : m_secureChannel(m_connection, m_server, m_replyText),
+CSmtp::CSmtp(SocketConnection::InterruptFunction isInterrupted)
+    : m_connection(std::move(isInterrupted)),
+      m_secureChannel(m_connection, m_server, m_replyText),
       m_channel(m_connection, m_secureChannel, m_server, m_replyText,
                 [this](ULONG sent, ULONG total) { return OnProgress(sent, total); }) {
     StartSockets();
@@ -55,12 +56,15 @@ int CSmtp::OnProgress(ULONG, ULONG) {
 }
 
 int CSmtp::Connect(const WideString& server, TlsMode mode) {
+    if (m_connection.IsInterrupted()) {
+        return -2;
+    }
     m_replyText.clear();
     m_errorText.clear();
     m_server = server;
-    const int result = Establish(mode);
+    int result = Establish(mode);
     if (result != 0) {
-        ReportError(result);
+        result = Reported(result);
         Close();
     }
     return result;
@@ -88,8 +92,8 @@ int CSmtp::Resolve(in_addr& address) {
 int CSmtp::ConnectWithAttempts(const in_addr& address) {
     for (LONG attempt = 1;; ++attempt) {
         Close();
-        if (attempt > 1) {
-            SocketConnection::Pause(kAttemptPause);
+        if (attempt > 1 && m_connection.Pause(kAttemptPause) == SocketStatus::Failed) {
+            return -1;
         }
         if (CreateAndConnect(address) == 0) {
             return 0;
@@ -204,6 +208,9 @@ int CSmtp::Handshake() {
 }
 
 int CSmtp::SendMail(COutgoingMessage& message) {
+    if (m_connection.IsInterrupted()) {
+        return -2;
+    }
     if (message.sender.address.empty() ||
         (message.to.empty() && message.cc.empty() && message.bcc.empty())) {
         return -1;
@@ -220,6 +227,9 @@ int CSmtp::SendMail(COutgoingMessage& message) {
 }
 
 int CSmtp::SendMailTo(COutgoingMessage& message, std::span<const CAddressEntry> recipients) {
+    if (m_connection.IsInterrupted()) {
+        return -2;
+    }
     if (message.sender.address.empty() || recipients.empty()) {
         return -1;
     }
@@ -310,6 +320,9 @@ int CSmtp::Fail(WideString text) {
 }
 
 int CSmtp::Reported(int code) {
+    if (code == -1 && m_connection.wasInterrupted()) {
+        code = -2;
+    }
     ReportError(code);
     return code;
 }

@@ -24,13 +24,15 @@ enum TlsMode {
 };
 
 // Operations return 0 for success, the server's reply code (three digits) when the server refused,
-// or -1 for a failure whose words are in the error text. After a refusal the connection is sound
-// and Close says QUIT; after -1 its state is unknown and Close just closes. Used by one thread at a
-// time; every operation blocks. Throws std::bad_alloc.
+// -1 for a failure whose words are in the error text, or -2 when they were interrupted. After a
+// refusal the connection is sound and Close says QUIT; after -1 and -2 its state is unknown and
+// Close just closes. Used by one thread at a time; every operation blocks. Throws std::bad_alloc.
 class CSmtp {
 public:
-    // Takes the computer's name as m_heloHost.
-    CSmtp();
+    // Takes the computer's name as m_heloHost. Operations that begin, and waits of those that run,
+    // end when `isInterrupted` says so; it is asked on the session's thread, at least twice a
+    // second while the network keeps it waiting. Only the resolver is out of its reach.
+    explicit CSmtp(SocketConnection::InterruptFunction isInterrupted = {});
     virtual ~CSmtp();  // closes
     CSmtp(const CSmtp&) = delete;
     CSmtp& operator=(const CSmtp&) = delete;

@@ -12,25 +12,13 @@ namespace {
 
 constexpr USHORT kSmtpPort = 25;
 
-// No single system call waits longer.
+// No single system call waits longer, and before each one that comes later than this after the last
+// look the interruption is looked at: at least twice a second in all.
 constexpr Milliseconds kWaitStep{400};
+constexpr Milliseconds kLookInterval{100};
 
 // Systems give up well before (21 to 127 seconds); this only keeps a silent one from lasting.
 constexpr Milliseconds kConnectLimit{180'000};
-
-// Takes steps of waiting until one of them ends in something else than TimedOut, or until the
-// limit has passed. Everything that blocks a session comes through here.
-template <typename Step>
-SocketStatus WaitInSteps(Milliseconds limit, const Step& step) {
-    const Stopwatch watch;
-    for (;;) {
-        const SocketStatus status =
-            step(std::clamp(limit - watch.elapsed(), Milliseconds{0}, kWaitStep));
-        if (status != SocketStatus::TimedOut || watch.elapsed() >= limit) {
-            return status;
-        }
-    }
-}
 
 }  // namespace
 
@@ -108,6 +96,7 @@ SocketStatus SocketConnection::Connect(const in_addr& address, USHORT port) {
 }
 
 void SocketConnection::Close() {
+    m_wasInterrupted = false;
     if (!IsOpen()) {
         return;
     }
@@ -115,6 +104,27 @@ void SocketConnection::Close() {
     closesocket(m_socket);
     m_socket = INVALID_SOCKET;
     WSASetLastError(0);
+}
+
+// Takes steps of waiting until one of them ends in something else than TimedOut, until the limit
+// has passed, or until it is interrupted. Everything that blocks a session comes through here.
+template <typename Step>
+SocketStatus SocketConnection::WaitInSteps(Milliseconds limit, const Step& step) {
+    const Stopwatch watch;
+    for (;;) {
+        if (m_sinceLook.elapsed() >= kLookInterval) {
+            m_sinceLook = Stopwatch();
+            if (IsInterrupted()) {
+                m_wasInterrupted = true;
+                return Fail(WSAEINTR);
+            }
+        }
+        const SocketStatus status =
+            step(std::clamp(limit - watch.elapsed(), Milliseconds{0}, kWaitStep));
+        if (status != SocketStatus::TimedOut || watch.elapsed() >= limit) {
+            return status;
+        }
+    }
 }
 
 SocketStatus SocketConnection::Wait(SHORT events, Milliseconds limit) {
@@ -132,8 +142,8 @@ SocketStatus SocketConnection::Poll(SHORT events, Milliseconds time) {
     return ready > 0 ? SocketStatus::Done : SocketStatus::TimedOut;
 }
 
-void SocketConnection::Pause(Milliseconds time) {
-    WaitInSteps(time, [](Milliseconds step) {
+SocketStatus SocketConnection::Pause(Milliseconds time) {
+    return WaitInSteps(time, [](Milliseconds step) {
         std::this_thread::sleep_for(step);
         return SocketStatus::TimedOut;
     });

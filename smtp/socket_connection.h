@@ -8,8 +8,10 @@
 #include <winsock2.h>
 
 #include <cstddef>
+#include <functional>
 #include <span>
 #include <string_view>
+#include <utility>
 
 #include "automation/wide_string.h"
 #include "smtp/stopwatch.h"
@@ -39,7 +41,12 @@ enum class SocketStatus {
 
 class SocketConnection {
 public:
-    SocketConnection() = default;
+    // Asked at least twice a second while there are waits, however short; true ends the wait as
+    // Failed.
+    using InterruptFunction = std::function<bool()>;
+
+    explicit SocketConnection(InterruptFunction isInterrupted = {})
+        : m_isInterrupted(std::move(isInterrupted)) {}
     ~SocketConnection() { Close(); }
     SocketConnection(const SocketConnection&) = delete;
     SocketConnection& operator=(const SocketConnection&) = delete;
@@ -73,13 +80,18 @@ public:
     // as long as the limit.
     SocketStatus Send(std::string_view bytes, Milliseconds limit);
 
-    // Waits for that long and nothing else.
-    static void Pause(Milliseconds time);
+    // Waits for that long and nothing else: TimedOut, or Failed when it was interrupted.
+    SocketStatus Pause(Milliseconds time);
 
     // Number of the error of the last operation that Failed.
     int error() const { return m_error; }
+    // What the interrupt function says now, and whether it has ended a wait since the last Close.
+    bool IsInterrupted() const { return m_isInterrupted && m_isInterrupted(); }
+    bool wasInterrupted() const { return m_wasInterrupted; }
 
 private:
+    template <typename Step>
+    SocketStatus WaitInSteps(Milliseconds limit, const Step& step);
     SocketStatus Wait(SHORT events, Milliseconds limit);
     SocketStatus Poll(SHORT events, Milliseconds time);
     SocketStatus Receive(std::span<char> buffer, std::size_t& count, int flags);
@@ -87,8 +99,11 @@ private:
     SocketStatus Fail();
     SocketStatus Fail(int error);
 
+    InterruptFunction m_isInterrupted;
     SOCKET m_socket = INVALID_SOCKET;
     int m_error = 0;
+    bool m_wasInterrupted = false;
+    Stopwatch m_sinceLook;
 };
 
 }  // namespace quorvane

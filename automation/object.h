@@ -6,8 +6,8 @@
 #include <ole2.h>
 
 #include <atomic>
-#include <new>
 
+#include "automation/boundary.h"
 #include "automation/com_ptr.h"
 #include "automation/module.h"
 #include "automation/type_info.h"
@@ -118,17 +118,16 @@ private:
     ModuleReference module_;
 };
 
-// Makes an object of the class and asks it for the interface. E_OUTOFMEMORY when it can't be made.
+// Makes an object of the class and asks it for the interface. What its constructor throws becomes a
+// status, see Guarded.
 template <class Class>
 HRESULT CreateComObject(REFIID iid, void** out) noexcept {
     if (!out) return E_POINTER;
     *out = nullptr;
-    try {
+    return Guarded([&] {
         const ComPtr<Class> object(new Class);
         return object->QueryInterface(iid, out);
-    } catch (const std::bad_alloc&) {
-        return E_OUTOFMEMORY;
-    }
+    });
 }
 
 }  // namespace quorvane

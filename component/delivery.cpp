@@ -3,7 +3,6 @@
 #include <winsock2.h>
 
 #include "smtp/direct_delivery.h"
-#include "smtp/session.h"
 
 namespace quorvane {
 namespace {
@@ -21,8 +20,8 @@ void ApplySettings(const SmtpSettings& settings, CSmtp& session) {
 
 }  // namespace
 
-SendOutcome SendThroughRelay(const SmtpSettings& settings, COutgoingMessage& message) {
-    CSmtp session;
+SendOutcome SendThroughRelay(const SmtpSettings& settings, CSmtp& session,
+                             COutgoingMessage& message) {
     ApplySettings(settings, session);
     const TlsMode mode = settings.useSsl != VARIANT_FALSE ? TlsImplicit : TlsNone;
     int code = session.Connect(settings.server, mode);
@@ -32,12 +31,10 @@ SendOutcome SendThroughRelay(const SmtpSettings& settings, COutgoingMessage& mes
     return outcome;
 }
 
-SendOutcome SendDirect(const SmtpSettings& settings, COutgoingMessage& message) {
-    CSmtp session;
-    session.m_spa = 1;  // without a user name it has no effect
+SendOutcome SendDirect(const SmtpSettings& settings, TlsMode mode, CSmtp& session,
+                       COutgoingMessage& message) {
     SendOutcome outcome;
-    outcome.code =
-        DeliverDirect(message, {TlsNone, settings.senderHostname}, session, outcome.text);
+    outcome.code = DeliverDirect(message, {mode, settings.senderHostname}, session, outcome.text);
     session.Close();
     return outcome;
 }

@@ -3,16 +3,24 @@
 
 #include "Quorvane.h"
 #include "automation/object.h"
-#include "component/settings.h"
+#include "component/connection_point.h"
+#include "component/send_queue.h"
 #include "model/outgoing_message.h"
 
 namespace quorvane {
 
 // Failures come back through one of two channels, never both. Wrong use of the interface gives a
 // failing HRESULT with error information, and nothing is sent. A send that was attempted gives
-// S_OK or S_FALSE with the outcome in the out-parameters, kept as the object's last error.
-class CSmtpMail final : public ComObject<AtomicCount, ISmtpMail> {
+// S_OK or S_FALSE with the outcome in the out-parameters, kept as the object's last error; that of
+// a queued message is kept with it.
+//
+// The object is used on its apartment's thread, and its queue's threads don't know it.
+class CSmtpMail final : public ComObject<AtomicCount, ISmtpMail, IConnectionPointContainer> {
 public:
+    // Starts the queue and removes an old trace file. Throws std::bad_alloc, and std::runtime_error
+    // when a thread can't be started.
+    CSmtpMail();
+
     STDMETHODIMP get_SmtpServer(BSTR* pVal) override;
     STDMETHODIMP put_SmtpServer(BSTR newVal) override;
     STDMETHODIMP get_SmtpPort(LONG* pVal) override;
@@ -63,12 +71,22 @@ public:
     STDMETHODIMP SimpleSendHTMLScriptable(BSTR from, BSTR to, BSTR subject, BSTR filename,
                                           VARIANT* errorMessage, LONG* errorCode) override;
 
+    // IConnectionPointContainer
+    STDMETHODIMP EnumConnectionPoints(IEnumConnectionPoints** points) override;
+    STDMETHODIMP FindConnectionPoint(REFIID iid, IConnectionPoint** point) override;
+
 private:
     HRESULT SendCore(COutgoingMessage& message, bool useSmtpServer, BSTR* errorMessage,
                      LONG* errorCode);
 
-    SmtpSettings settings_;
-    LONG maxThreads_ = 5;
+    template <class Read>
+    HRESULT ReadQueued(LONG messageNumber, Read&& read) noexcept;
+    template <class Value>
+    HRESULT Put(Value SmtpSettings::*member, Value value) noexcept;
+    HRESULT Put(WideString SmtpSettings::*member, BSTR value) noexcept;
+
+    SendQueueClient queue_;  // and the settings, which its workers read
+    EventConnectionPoint connectionPoint_{*this, queue_->listeners};
     SendOutcome lastError_;  // of the last synchronous send
 };
 

@@ -1,45 +1,16 @@
 // The synchronous sends of SmtpMail.
-#include "automation/error_info.h"
 #include "component/delivery.h"
+#include "component/send_method.h"
 #include "component/smtp_mail.h"
 #include "model/html_import.h"
-#include "model/mail_message.h"
 #include "model/simple_send.h"
 
 namespace quorvane {
 namespace {
 
-HRESULT Report(LPCOLESTR text, HRESULT status) {
-    return ReportComError(CLSID_SmtpMail, text, 0, nullptr, IID_ISmtpMail, status);
-}
-
 void ClearOutcome(BSTR* errorMessage, LONG* errorCode) {
     if (errorMessage) *errorMessage = nullptr;
     if (errorCode) *errorCode = 0;
-}
-
-// The implementation behind the pointer when it is one of this component's own messages, in its
-// own apartment; null otherwise.
-const CMailMessage* OwnMessage(IMailMessage* message) {
-    ComPtr<IMailMessageObject> own;
-    void* implementation = nullptr;
-    if (FAILED(message->QueryInterface(IID_IMailMessageObject, own.ReceiveVoid())) || !own ||
-        FAILED(own->GetMailMessage(&implementation))) {
-        return nullptr;
-    }
-    return static_cast<const CMailMessage*>(implementation);
-}
-
-// Runs a send and reports whatever escapes from it.
-template <class Body>
-HRESULT GuardedSend(Body&& body) noexcept {
-    try {
-        return body();
-    } catch (const HtmlImportError& error) {
-        return Report(error.text().c_str(), E_FAIL);
-    } catch (...) {
-        return Report(OLESTR("Unexpected exception!"), E_FAIL);
-    }
 }
 
 // Calls a plain method with the text of the VARIANT as its error message.
@@ -61,7 +32,7 @@ STDMETHODIMP CSmtpMail::Send(IMailMessage* message, VARIANT_BOOL useSMTPServer, 
     return GuardedSend([&] {
         const ComPtr<IMailMessage> held(message);
         const CMailMessage* own = OwnMessage(message);
-        if (!own) return Report(OLESTR("Quorvane internal error 973!"), E_FAIL);
+        if (!own) return ReportForeignMessage();
         COutgoingMessage copy;
         PrepareOutgoingMessage(*own, copy);
         return SendCore(copy, useSMTPServer != VARIANT_FALSE, errorMessage, errorCode);
@@ -73,13 +44,15 @@ HRESULT CSmtpMail::SendCore(COutgoingMessage& message, bool useSmtpServer, BSTR*
     lastError_ = SendOutcome();
     const WideString invalid = ValidateOutgoingMessage(message);
     if (!invalid.empty()) return Report(invalid.c_str(), E_INVALIDARG);
-    if (useSmtpServer && settings_.server.empty()) {
-        return Report(
-            OLESTR("SmtpServer property can't be empty if useSmtpServer parameter is true"),
-            E_INVALIDARG);
+    const std::shared_ptr<const SmtpSettings> settings = queue_->settings.Get();
+    if (useSmtpServer && settings->server.empty()) return ReportMissingServer();
+    CSmtp session;
+    if (useSmtpServer) {
+        lastError_ = SendThroughRelay(*settings, session, message);
+    } else {
+        session.m_spa = 1;  // without a user name it has no effect
+        lastError_ = SendDirect(*settings, TlsNone, session, message);
     }
-    lastError_ =
-        useSmtpServer ? SendThroughRelay(settings_, message) : SendDirect(settings_, message);
     if (lastError_.code != 0 && errorMessage) ToBstr(lastError_.text, errorMessage);
     if (errorCode) *errorCode = lastError_.code;
     return lastError_.code == 0 ? S_OK : S_FALSE;

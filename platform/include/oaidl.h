@@ -106,6 +106,7 @@ typedef struct tagEXCEPINFO {
 #define DISPATCH_PROPERTYGET 0x2
 #define DISPATCH_PROPERTYPUT 0x4
 
+#define DISPID_VALUE 0  // the default member
 #define DISPID_UNKNOWN (-1)
 #define DISPID_PROPERTYPUT (-3)
 #define MEMBERID_NIL DISPID_UNKNOWN

@@ -54,6 +54,10 @@ BOOL WINAPI ReadFile(HANDLE file, LPVOID buffer, DWORD size, LPDWORD read, LPOVE
 BOOL WINAPI GetFileSizeEx(HANDLE file, PLARGE_INTEGER size);
 BOOL WINAPI CloseHandle(HANDLE object);
 
+// FALSE with the last error set when there is no such file or it can't be deleted; a directory
+// gives ERROR_ACCESS_DENIED. Differs from Windows: a file that is open goes too.
+BOOL WINAPI DeleteFileW(LPCWSTR name);
+
 // FILE_ATTRIBUTE_DIRECTORY or FILE_ATTRIBUTE_NORMAL; INVALID_FILE_ATTRIBUTES and the last error
 // when there is no such file. Differs from Windows: there are no other attributes.
 DWORD WINAPI GetFileAttributesW(LPCWSTR name);

@@ -94,6 +94,12 @@ BOOL CloseHandle(HANDLE object) {
     return TRUE;
 }
 
+BOOL DeleteFileW(LPCWSTR name) {
+    std::string path;
+    if (!ToHostPath(name, path)) return Fail(ERROR_INVALID_NAME);
+    return unlink(path.c_str()) == 0 ? TRUE : Fail(PathError(errno, path));
+}
+
 DWORD GetFileAttributesW(LPCWSTR name) {
     std::string path;
     if (!ToHostPath(name, path)) {

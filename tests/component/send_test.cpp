@@ -213,17 +213,6 @@ TEST_F(Send, ScriptableTwinHandsTheTextOverInAVariant) {
     EXPECT_EQ(outcome.bstrVal, nullptr);
 }
 
-TEST_F(Send, NeverSendsInClearWhatShallBeEncrypted) {
-    ScriptedPeer peer({ParseScript({"S: 220 mx"})}, Delivery::Whole);
-    UsePeer(peer);
-    mail->put_SmtpSSL(1);
-    EXPECT_EQ(SendSample(), S_FALSE);
-    EXPECT_EQ(code, -1);
-    EXPECT_EQ(FromBstr(text.Get()),
-              OLESTR("This version of Quorvane has no encrypted connections yet"));
-    EXPECT_EQ(peer.connections(), 0);
-}
-
 TEST_F(Send, TimeOutOfTheSettingsBoundsTheWait) {
     ScriptedPeer peer({ParseScript({"S: 220 mx", "C: EHLO client.test"})}, Delivery::Whole);
     UsePeer(peer);
@@ -264,24 +253,6 @@ TEST_F(Send, NoExceptionEscapes) {
         E_FAIL);
     EXPECT_EQ(TakeErrorText(), "Unexpected exception!");
     EXPECT_EQ(code, 0);
-}
-
-// What this version doesn't have answers E_NOTIMPL, and nothing else does.
-TEST_F(Send, MembersOfLaterVersionsSaySo) {
-    LONG number = 0;
-    MailStatus status;
-    VARIANT handler;
-    VariantInit(&handler);
-    const auto message = SampleMessage();
-    EXPECT_EQ(mail->SendAsync(message.Get(), VARIANT_TRUE, &number), E_NOTIMPL);
-    EXPECT_EQ(mail->GetStatus(1, &status), E_NOTIMPL);
-    EXPECT_EQ(mail->GetErrorCode(1, &number), E_NOTIMPL);
-    EXPECT_EQ(mail->GetErrorDescription(1, text.Receive()), E_NOTIMPL);
-    EXPECT_EQ(mail->Cancel(1), E_NOTIMPL);
-    EXPECT_EQ(mail->CancelAll(), E_NOTIMPL);
-    EXPECT_EQ(mail->GetQueueSize(&number), E_NOTIMPL);
-    EXPECT_EQ(mail->put_OnStatusChangeHandler(handler), E_NOTIMPL);
-    EXPECT_EQ(mail->put_OnProgressHandler(handler), E_NOTIMPL);
 }
 
 }  // namespace

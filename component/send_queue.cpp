@@ -1,0 +1,155 @@
+// The client's side of the queue, and the life of its threads.
+#include "component/send_queue.h"
+
+#include <algorithm>
+#include <chrono>
+#include <stdexcept>
+#include <utility>
+
+#include "automation/module_thread.h"
+
+namespace quorvane {
+namespace {
+
+constexpr std::chrono::milliseconds kReleaseLimit{500};
+
+// The calling thread's single-threaded apartment.
+class Apartment {
+public:
+    Apartment() : entered_(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+    ~Apartment() {
+        if (entered_) CoUninitialize();
+    }
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
+
+private:
+    bool entered_;
+};
+
+}  // namespace
+
+std::shared_ptr<SendQueue> SendQueue::Start() {
+    const std::shared_ptr<SendQueue> queue(new SendQueue);
+    if (!queue->StartWorker() || !queue->StartThread(&SendQueue::EventThread)) {
+        queue->stop_->Send();
+        throw std::runtime_error("a thread can't be started");
+    }
+    return queue;
+}
+
+void SendQueue::ReleaseClient() noexcept {
+    {
+        const std::lock_guard lock(tableLock_);
+        clientGone_ = true;
+        if (boundSessions_ > 0) return;
+        resting_ = true;
+    }
+    Rest();
+    stop_->WaitForThreads(kReleaseLimit);
+    listeners.RevokeSinks();
+}
+
+void SendQueue::Rest() noexcept {
+    listeners.RevokeHandlers();
+    CancelAll();
+    stop_->Send();
+}
+
+LONG SendQueue::Add(std::unique_ptr<COutgoingMessage> message, bool useSmtpServer) {
+    const std::lock_guard lock(tableLock_);
+    return table_.Add(std::move(message), useSmtpServer);
+}
+
+bool SendQueue::StartWorker() noexcept {
+    {
+        const std::lock_guard lock(workerLock_);
+        if (workerCount_ >= maxThreads_) return true;
+        ++workerCount_;
+    }
+    if (StartThread(&SendQueue::WorkerThread)) return true;
+    const std::lock_guard lock(workerLock_);
+    --workerCount_;
+    return false;
+}
+
+// A worker that finds nothing queued leaves again, so that more of them than messages would only
+// come and go.
+void SendQueue::SetMaxThreads(LONG maxThreads) noexcept {
+    LONG missing;
+    {
+        const std::lock_guard lock(workerLock_);
+        maxThreads_ = std::max<LONG>(maxThreads, 1);
+        missing = maxThreads_ - workerCount_;
+    }
+    std::size_t queued;
+    {
+        const std::lock_guard lock(tableLock_);
+        queued = table_.QueuedCount();
+    }
+    for (; missing > 0 && queued > 0 && StartWorker(); --missing) --queued;
+}
+
+LONG SendQueue::maxThreads() const {
+    const std::lock_guard lock(workerLock_);
+    return maxThreads_;
+}
+
+bool SendQueue::Read(LONG number, const std::function<void(const CSmtpMailHolder&)>& read) {
+    const std::lock_guard lock(tableLock_);
+    const CSmtpMailHolder* const holder = table_.Find(number);
+    if (holder) read(*holder);
+    return holder != nullptr;
+}
+
+LONG SendQueue::Size() const {
+    const std::lock_guard lock(tableLock_);
+    return static_cast<LONG>(table_.QueueSize());
+}
+
+bool SendQueue::Cancel(LONG number) noexcept {
+    std::unique_ptr<COutgoingMessage> cancelled;
+    {
+        const std::lock_guard lock(tableLock_);
+        CSmtpMailHolder* const holder = table_.Find(number);
+        if (!holder) return false;
+        cancelled = table_.Cancel(*holder);
+    }
+    if (cancelled) PostEvent(EventKind::StatusChange, number, MailStatusCanceled, 0);
+    return true;
+}
+
+void SendQueue::CancelAll() noexcept {
+    std::set<LONG> cancelled;
+    {
+        const std::lock_guard lock(tableLock_);
+        cancelled = table_.CancelAll();
+    }
+    for (const LONG number : cancelled) {
+        PostEvent(EventKind::StatusChange, number, MailStatusCanceled, 0);
+    }
+}
+
+void SendQueue::PostEvent(EventKind kind, LONG messageNumber, LONG first, LONG second) noexcept {
+    events_.Post({kind, messageNumber, first, second});
+}
+
+bool SendQueue::StartThread(void (SendQueue::*body)()) noexcept {
+    stop_->ThreadStarts();
+    auto run = [queue = shared_from_this(), stop = stop_, body]() mutable {
+        {
+            const Apartment apartment;
+            (queue.get()->*body)();
+            queue.reset();  // it holds what belongs to COM
+        }
+        stop->ThreadEnds();
+    };
+    try {
+        if (StartModuleThread(std::move(run))) return true;
+    } catch (const std::bad_alloc&) {
+    }
+    stop_->ThreadEnds();
+    return false;
+}
+
+}  // namespace quorvane

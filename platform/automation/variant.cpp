@@ -1,37 +1,29 @@
 #include "variant.h"
 
+#include <cstring>
+
 namespace quorvane::platform {
-namespace {
 
-template <class T>
-void Load(const VARIANT& reference, T VARIANT::*member, VARIANT& value) {
-    value.*member = *static_cast<const T*>(reference.byref);
-}
-
-// Loads what a reference to a `type` refers to.
-void LoadReferenced(const VARIANT& reference, VARTYPE type, VARIANT& value) {
+std::size_t ReferencedSize(VARTYPE type) {
     switch (type) {
         case VT_I1:
         case VT_UI1:
-            return Load(reference, &VARIANT::bVal, value);
+            return 1;
         case VT_I2:
         case VT_UI2:
         case VT_BOOL:
-            return Load(reference, &VARIANT::iVal, value);
+            return 2;
         case VT_I8:
         case VT_UI8:
         case VT_R8:
-            return Load(reference, &VARIANT::llVal, value);
         case VT_BSTR:
         case VT_DISPATCH:
         case VT_UNKNOWN:
-            return Load(reference, &VARIANT::byref, value);
-        default:  // the types of 32 bits
-            return Load(reference, &VARIANT::lVal, value);
+            return 8;
+        default:
+            return 4;
     }
 }
-
-}  // namespace
 
 HRESULT CheckVariantType(VARTYPE type) {
     const bool isReference = type & VT_BYREF;
@@ -79,7 +71,7 @@ HRESULT Dereference(const VARIANT& variant, VARIANT& value) {
     if (!reference->byref) return E_INVALIDARG;
     value = {};
     value.vt = static_cast<VARTYPE>(reference->vt & ~VT_BYREF);
-    LoadReferenced(*reference, value.vt, value);
+    std::memcpy(&value.llVal, reference->byref, ReferencedSize(value.vt));
     return S_OK;
 }
 

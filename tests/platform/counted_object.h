@@ -4,6 +4,8 @@
 #include <windows.h>
 #include <ole2.h>
 
+#include <atomic>
+
 class CountedObject : public IDispatch {
 public:
     // False makes an object that is an IUnknown only.
@@ -34,5 +36,5 @@ public:
 
 private:
     bool dispatch_;
-    LONG references_ = 0;  // the test itself holds none
+    std::atomic<LONG> references_{0};  // the test itself holds none
 };

@@ -67,7 +67,7 @@ std::string LoopbackSocket::Peek() const {
 LoopbackListener::LoopbackListener(bool listening) {
     WSADATA data;
     WSAStartup(0x0202, &data);
-    socket_ = LoopbackSocket(socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
+    socket_ = LoopbackSocket(::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
     Check(socket_.IsOpen(), "socket");
     sockaddr_in address{};
     address.sin_family = AF_INET;

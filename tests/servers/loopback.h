@@ -44,6 +44,7 @@ public:
     explicit LoopbackListener(bool listening = true);
 
     USHORT port() const { return port_; }  // network byte order
+    SOCKET socket() const { return socket_.get(); }
     bool WaitForConnection(int milliseconds) const { return socket_.WaitReadable(milliseconds); }
     LoopbackSocket Accept() const;
 

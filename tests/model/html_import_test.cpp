@@ -12,6 +12,8 @@
 namespace quorvane {
 namespace {
 
+using namespace std::string_view_literals;
+
 // Everything that an import of the text from C:\mail\page.htm gives: the HTML or the error's text,
 // then the files of the parts. UTF-8.
 std::string Import(std::string_view html) {
@@ -131,10 +133,9 @@ protected:
 
 TEST_F(ImportHtml, FillsTheMessage) {
     // Bytes of the thread's code page, a charset that is not believed, and an end at a zero byte.
-    folder.Write("page.html",
-                 std::string_view("<meta charset=utf-8>\x80\xE9<img src=\"\xE9/a.png\">"
-                                  "<img src='A.png'>\0<img src=",
-                                  71));
+    folder.Write(
+        "page.html",
+        "<meta charset=utf-8>\x80\xE9<img src=\"\xE9/a.png\"><img src='A.png'>\0<img src="sv);
     message->put_AltMessageBody(Bstr(OLESTR("alternative")));
     Attach(OLESTR("report.pdf"), {});
     Attach(PathOf("a.PNG"), OLESTR("logo@x"));

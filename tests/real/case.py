@@ -43,9 +43,10 @@ class SendTest(unittest.TestCase):
         path.write_bytes(content if isinstance(content, bytes) else content.encode())
         return path
 
-    def send(self, *arguments, status=0, stdin=None):
+    def send(self, *arguments, status=0, stdin=None, port=None):
         """Sends to the server of the class; fails when the exit status is another one."""
-        done = self.client.run("--server", f"127.0.0.1:{self.port}", *arguments, stdin=stdin)
+        done = self.client.run("--server", f"127.0.0.1:{port or self.port}", *arguments,
+                               stdin=stdin)
         self.assertEqual(done.returncode, status, done.stdout + done.stderr)
         return done
 

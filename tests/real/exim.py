@@ -12,6 +12,8 @@ import socket
 import subprocess
 import time
 
+import certificate
+
 BINARY = shutil.which("exim4") or "/usr/sbin/exim4"
 SIZE_LIMIT = 300_000
 USER, PASSWORD = "zoë", "secret pass: word"
@@ -28,11 +30,15 @@ exim_user = {user}
 exim_group = {group}
 deliver_drop_privilege = {drop}
 local_interfaces = 127.0.0.1
-daemon_smtp_ports = {port}
+daemon_smtp_ports = {port} : {tls_port}
+tls_on_connect_ports = {tls_port}
+tls_certificate = {certificate}
+tls_privatekey = {key}
+tls_advertise_hosts = *
+tls_try_verify_hosts =
 # Nothing is asked of the network and nothing of the host's environment is kept.
 host_lookup =
 rfc1413_hosts =
-tls_advertise_hosts =
 keep_environment =
 message_size_limit = {size_limit}
 smtp_enforce_sync = true
@@ -108,14 +114,18 @@ class Exim:
         self.folder = pathlib.Path(folder)
         self.inbox = self.folder / "inbox" / "new"
         self.port = None
+        self.tls_port = None  # encrypted from the start
+        self._certificate = certificate.make(self.folder)
         self._process = None
 
-    def _free_port(self):
-        with socket.socket() as probe:
-            probe.bind(("127.0.0.1", 0))
-            return probe.getsockname()[1]
+    def _free_ports(self):
+        """Two different ones."""
+        with socket.socket() as one, socket.socket() as other:
+            for probe in (one, other):
+                probe.bind(("127.0.0.1", 0))
+            return one.getsockname()[1], other.getsockname()[1]
 
-    def _configure(self, port):
+    def _configure(self, port, tls_port):
         root = os.geteuid() == 0
         account = pwd.getpwnam("Debian-exim") if root else pwd.getpwuid(os.geteuid())
         for name in ("spool", "log", "inbox"):
@@ -123,12 +133,15 @@ class Exim:
             if root:
                 os.chown(self.folder / name, account.pw_uid, account.pw_gid)
         if root:
+            for path in self._certificate:
+                os.chown(path, account.pw_uid, account.pw_gid)
             self.folder.chmod(0o711)  # its user has to get to its folders
         # As the address of the account goes out in the thread's 8-bit character set.
         login = USER.encode("cp1252").decode("latin-1")
         configuration = self.folder / "exim.conf"
         configuration.write_text(CONFIGURATION.format(
-            folder=self.folder, port=port, size_limit=SIZE_LIMIT, refused=REFUSED, refusal=REFUSAL,
+            folder=self.folder, port=port, tls_port=tls_port, certificate=self._certificate[0],
+            key=self._certificate[1], size_limit=SIZE_LIMIT, refused=REFUSED, refusal=REFUSAL,
             user=account.pw_name, group=account.pw_gid, drop="false" if root else "true",
             login=login, ntlm_user=NTLM_USER, password=PASSWORD), encoding="latin-1")
         return configuration
@@ -136,14 +149,14 @@ class Exim:
     def start(self):
         """Starts it and waits until it listens; tries other ports when another program is faster."""
         for _ in range(5):
-            port = self._free_port()
-            configuration = self._configure(port)
+            port, tls_port = self._free_ports()
+            configuration = self._configure(port, tls_port)
             with open(self.folder / "out.log", "wb") as out:
                 self._process = subprocess.Popen(
                     [BINARY, "-C", str(configuration), "-bdf"], stdin=subprocess.DEVNULL,
                     stdout=out, stderr=out, env={"PATH": os.environ["PATH"]})
             if self._listens(port):
-                self.port = port
+                self.port, self.tls_port = port, tls_port
                 return
             self.stop()
         raise RuntimeError("Exim did not start:\n" + self.log())

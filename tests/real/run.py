@@ -21,9 +21,10 @@ import test_command_line  # noqa: E402
 import test_direct  # noqa: E402
 import test_gallery  # noqa: E402
 import test_relay  # noqa: E402
+import test_tls  # noqa: E402
 from client import ROOT, Client  # noqa: E402
 
-MODULES = (test_relay, test_direct, test_command_line, test_gallery)
+MODULES = (test_relay, test_tls, test_direct, test_command_line, test_gallery)
 
 
 class LineResult(unittest.TestResult):

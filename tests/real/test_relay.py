@@ -129,6 +129,17 @@ class RelayTest(SendTest):
                 self.assertIn("esmtpa", message.received)  # Exim's word for an authenticated session
                 self.assertIn(f"A={mechanism}:", self.server.log())
 
+    def test_encrypted(self):
+        login = self.login_as(exim.USER, exim.PASSWORD)
+        for way, port in (("starttls", self.server.port), ("start", self.server.tls_port)):
+            with self.subTest(way=way):
+                self.server.empty()
+                self.send(*SAMPLE_ARGUMENTS, *login, "--ssl", port=port)
+                message = self.server.wait_for_message()
+                self.assert_is_sample(message.raw)
+                self.assertIn("esmtpsa", message.received)  # encrypted and authenticated
+                self.assertIn("TLS1.2", message.received)
+
     def test_login_refused(self):
         wrong = "wrong-password"
         for user, spa, text in (

@@ -21,9 +21,10 @@ NEGOTIATION = ("Cannot negotiate secure connection with mail server 127.0.0.1, "
 
 
 class Peer:
-    def __init__(self, mood, files):
+    def __init__(self, mood, files, step):
         self._process = subprocess.Popen(
-            ["/usr/bin/python3", "-W", "ignore", str(PROGRAM), mood, *map(str, files)],
+            ["/usr/bin/python3", "-W", "ignore", str(PROGRAM), mood, *map(str, files),
+             "--step", str(step)],
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True)
         self.port = int(self._process.stdout.readline())
 
@@ -43,9 +44,9 @@ class TlsTest(SendTest):
         cls.addClassCleanup(folder.cleanup)
         cls.files = certificate.make(Path(folder.name))
 
-    def send_to(self, mood, *arguments):
+    def send_to(self, mood, *arguments, step=1):
         """The outcomes of a send, and what the peer says of its messages."""
-        peer = Peer(mood, self.files)
+        peer = Peer(mood, self.files, step)
         try:
             done = self.client.run("--server", f"127.0.0.1:{peer.port}", *SIMPLE_ARGUMENTS, "--ssl",
                                    "--attempts", 1, "--json", *arguments)
@@ -89,19 +90,20 @@ class TlsTest(SendTest):
                 self.assertTrue(outcome["text"].startswith(texts), outcome["text"])
 
     def spoil(self, fault):
-        """Texts of sends whose handshake goes wrong at each of its bytes in turn."""
-        outcomes, took = self.send_to(fault, "--count", 1400, "--timeout", 1)
-        self.assertEqual(len(outcomes), 1400)
+        """Texts of sends whose handshake goes wrong at many of its bytes, one after the other."""
+        step = 13 if self.client.windows else 3  # the tests of the session try each byte
+        count = 1400 // step
+        outcomes, took = self.send_to(fault, "--count", count, "--timeout", 1, step=step)
+        self.assertEqual(len(outcomes), count)
         texts = [outcome["text"] for outcome in outcomes if outcome["code"] != 0]
-        self.assertGreater(len(texts), 1000)
-        self.assertEqual(len(took), len(outcomes) - len(texts))
-        self.assertEqual(set(took), {"TLSv1.2"})
+        self.assertGreater(len(texts), 1000 // step)
+        self.assertEqual(took, ["TLSv1.2"] * (count - len(texts)))
         return texts
 
-    def test_handshake_cut_at_each_byte(self):
+    def test_handshake_cut(self):
         self.assertEqual(set(self.spoil("cut")), {CLOSED_IN_HANDSHAKE})
 
-    def test_handshake_changed_at_each_byte(self):
+    def test_handshake_changed(self):
         expected = (SILENT, CLOSED_IN_HANDSHAKE, NEGOTIATION + "8009")
         for text in self.spoil("change"):
             self.assertTrue(text.startswith(expected), text)

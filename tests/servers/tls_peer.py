@@ -11,8 +11,8 @@ seconds.
   silent            says nothing
   resets            resets the connection in the handshake
   farewell          closes the session, but not the connection, after it has greeted in it
-  cut, change       STARTTLS, with the Nth connection's handshake cut at its Nth byte, counted
-                    from 0, or with that byte changed
+  cut, change       STARTTLS, with the Nth connection's handshake cut at byte N times --step,
+                    both counted from 0, or with that byte changed
 """
 
 import argparse
@@ -108,8 +108,8 @@ class Channel:
 
 
 class Peer:
-    def __init__(self, mood, certificate, key):
-        self._mood = mood
+    def __init__(self, mood, step, certificate, key):
+        self._mood, self._step = mood, step
         versions = {"1.0": ssl.TLSVersion.TLSv1, "1.1": ssl.TLSVersion.TLSv1_1,
                     "1.3": ssl.TLSVersion.TLSv1_3}
         self._context = context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
@@ -128,7 +128,7 @@ class Peer:
 
     def _serve(self, connection, number):
         fault = self._mood if self._mood in ("cut", "change") else None
-        channel = Channel(connection, fault, number)
+        channel = Channel(connection, fault, number * self._step)
         if self._mood in ("closes", "resets", "silent") or (self._mood == "clear" and number == 0):
             connection.recv(65536)  # the handshake
             if self._mood == "silent":
@@ -174,9 +174,10 @@ def main():
     parser.add_argument("mood")
     parser.add_argument("certificate")
     parser.add_argument("key")
+    parser.add_argument("--step", type=int, default=1)
     parser.add_argument("--limit", type=float, default=600)
     options = parser.parse_args()
-    peer = Peer(options.mood, options.certificate, options.key)
+    peer = Peer(options.mood, options.step, options.certificate, options.key)
     parent = os.getppid()
     with socket.create_server(("127.0.0.1", 0), backlog=64) as listener:
         listener.settimeout(0.25)

@@ -10,9 +10,9 @@
 namespace quorvane {
 namespace {
 
-// Exchangers of a domain that are tried, the preferred ones: a domain that lists hundreds of dead
-// ones would hold the sender for hours.
-constexpr int kMaxExchangersTried = 20;
+// Exchangers of a domain that are tried, the preferred ones. No honest domain has that many; an
+// answer can list thousands of dead ones, which would hold the sender for days.
+constexpr int kMaxExchangersTried = 100;
 
 WideString LowerAscii(WideView text) {
     WideString lower(text);

@@ -290,6 +290,24 @@ TEST_F(Marshalling, ObjectsGoOnTheirThread) {
     EXPECT_EQ(listener.calls, 2);
 }
 
+TEST_F(Marshalling, ApartmentsThatEndLetGoOfTheirObjects) {
+    Listener listener;
+    Held<IDispatch> proxy;
+    DWORD cookie = 0;
+    {
+        PumpingThread ending;
+        ending.Run([&] { cookie = Register(&listener); });
+        proxy = Get(cookie);
+        ASSERT_TRUE(proxy);
+    }
+    EXPECT_EQ(listener.references(), 0);
+    EXPECT_TRUE(FAILED(Call(*proxy, 1)));
+    const Held<IDispatch> late = Get(cookie);
+    EXPECT_TRUE(!late || FAILED(Call(*late, 1)));
+    EXPECT_EQ(listener.calls, 0);
+    Table()->RevokeInterfaceFromGlobal(cookie);
+}
+
 TEST_F(Marshalling, MultithreadedApartmentTakesCallsOnAnyOfItsThreads) {
     Listener listener;
     std::promise<DWORD> registered;

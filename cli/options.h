@@ -35,7 +35,7 @@ struct Options {
     std::string body;      // lines end in CRLF
     std::string bodyFile;  // not empty: the component reads the body from it
     bool html = false;
-    std::string picturesOf;  // not empty: the HTML file whose pictures go along
+    std::string picturesOf;   // not empty: the HTML file whose pictures go along
     std::string alternative;  // lines end in CRLF
     std::string charset;
     std::string alternativeCharset;

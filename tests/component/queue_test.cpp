@@ -169,7 +169,7 @@ TEST_F(Queue, OneWorkerTakesTheLowestNumberFirst) {
 
 TEST_F(Queue, HasAsManyWorkersAsItMay) {
     LONG threads = 0;
-    for (const LONG wrong : {0, -1, std::numeric_limits<LONG>::min()}) {
+    for (const LONG wrong : {LONG{0}, LONG{-1}, std::numeric_limits<LONG>::min()}) {
         EXPECT_EQ(client.mail->put_MaxThreads(wrong), S_OK);
         EXPECT_EQ(client.mail->get_MaxThreads(&threads), S_OK);
         EXPECT_EQ(threads, 1);

@@ -18,7 +18,6 @@ struct Raw {
     bool noImport = false;
     std::string priority = "normal";
     std::string encoding = "default";
-    std::string later;  // an option that was given but comes with a later version
 };
 
 const std::map<std::string, MailEncoding> kEncodings = {{"default", MailEncodingDefault},
@@ -63,11 +62,6 @@ CLI::Option* AddValue(CLI::App& app, const char* name, Value& value, const char*
 void AddList(CLI::App& app, const char* name, std::vector<std::string>& values, const char* type,
              const char* help) {
     AddValue(app, name, values, type, help)->allow_extra_args(false);
-}
-
-void AddLater(CLI::App& app, Raw& raw, const char* name, const char* help) {
-    app.add_flag_callback(
-        name, [&raw, name] { raw.later = name; }, help);
 }
 
 void DefineServer(CLI::App& app, Options& options, Raw& raw) {
@@ -132,15 +126,15 @@ void DefineContent(CLI::App& app, Options& options, Raw& raw) {
     AddList(app, "--inline", raw.inlined, "FILE,cid=ID", "File that the HTML shows as cid:ID *");
 }
 
-void DefineSending(CLI::App& app, Options& options, Raw& raw) {
+void DefineSending(CLI::App& app, Options& options) {
     app.option_defaults()->group("Sending");
     AddValue(app, "--count", options.count, "N", "Send the message N times")
         ->check(Between(1, 1000000));
-    AddLater(app, raw, "--async", "Send through the queue (not available yet)");
-    app.add_option_function<int>(
-           "--threads", [&raw](int) { raw.later = "--threads"; },
-           "Number of sending threads (not available yet)")
-        ->type_name("N");
+    auto* async = app.add_flag("--async", options.async,
+                               "Send through the queue and show how it goes; Ctrl-C cancels");
+    AddValue(app, "--threads", options.threads, "N", "Messages of the queue in flight at a time: 5")
+        ->check(Between(1, 1000))
+        ->needs(async);
     app.add_flag("--json", options.json, "Print each outcome as a line of JSON");
     app.add_flag("--quiet", options.quiet, "Print nothing when all is sent");
     app.set_help_flag("--help", "Show this text");
@@ -233,7 +227,6 @@ void CollectBodies(const Raw& raw, Options& options) {
 }
 
 void Collect(const Raw& raw, Options& options) {
-    if (!raw.later.empty()) throw UsageError(raw.later + " is not available in this version.");
     if (raw.server.empty() && !options.direct) {
         throw UsageError("Name the mail server with --server HOST[:PORT], or say --direct.");
     }
@@ -268,7 +261,7 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
     DefineServer(app, options, raw);
     DefineHeader(app, options, raw);
     DefineContent(app, options, raw);
-    DefineSending(app, options, raw);
+    DefineSending(app, options);
 
     std::vector<std::string> reversed = SeparateValues(app, arguments);
     std::ranges::reverse(reversed);  // the parser takes them from the end

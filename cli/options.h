@@ -43,6 +43,8 @@ struct Options {
     std::vector<FileArgument> files;
 
     int count = 1;
+    bool async = false;  // through the queue
+    int threads = 5;     // of the queue
     bool json = false;
     bool quiet = false;
 

@@ -5,9 +5,16 @@
 namespace quorvane::cli {
 
 std::string OutcomeAsJson(const client::Outcome& outcome) {
+    return OutcomeAsJson(outcome, 0, outcome.sent() ? MailStatusSent : MailStatusFailed);
+}
+
+std::string OutcomeAsJson(const client::Outcome& outcome, LONG number, MailStatus status) {
     nlohmann::ordered_json line;
     line["number"] = nullptr;
-    line["status"] = outcome.sent() ? "sent" : "failed";
+    if (number != 0) line["number"] = number;
+    line["status"] = status == MailStatusSent     ? "sent"
+                     : status == MailStatusFailed ? "failed"
+                                                  : "cancelled";
     line["code"] = outcome.code;
     line["text"] = outcome.text;
     return line.dump();

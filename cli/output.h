@@ -9,7 +9,9 @@
 namespace quorvane::cli {
 
 // One message's outcome as a line of JSON, without the line end. A message that wasn't queued has
-// no number.
+// no number, which is given as 0.
+std::string OutcomeAsJson(const client::Outcome& outcome, LONG number, MailStatus status);
+// The same for a message that was sent at once.
 std::string OutcomeAsJson(const client::Outcome& outcome);
 
 // The outcome of a message that was not sent, for a person: the code and the text. Line breaks of

@@ -3,6 +3,7 @@
 #include "cli/message_builder.h"
 #include "cli/options.h"
 #include "cli/output.h"
+#include "cli/queued_send.h"
 #include "cli/system.h"
 
 namespace quorvane::cli {
@@ -44,6 +45,7 @@ ExitStatus SendAll(const Options& options) {
     const client::Apartment apartment;
     const auto message = BuildMessage(options);
     const auto mail = MakeSender(options);
+    if (options.async) return SendThroughQueue(options, mail, message);
     int sent = 0;
     for (int i = 0; i < options.count; ++i) {
         const Outcome outcome = SendOnce(mail, message, !options.direct);

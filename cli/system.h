@@ -11,6 +11,14 @@ namespace quorvane::cli::system {
 void WriteOutput(std::string_view text);
 void WriteError(std::string_view text);
 
+// Whether somebody may be looking at the output as it is written.
+bool OutputIsTerminal();
+
+// From the first call on, the user's first interruption (Ctrl-C) is only noted; the next one ends
+// the program.
+void WatchForInterrupt();
+bool Interrupted();
+
 // Everything up to the end of standard input, byte for byte.
 std::string ReadInput();
 

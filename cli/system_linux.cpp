@@ -1,5 +1,8 @@
+#include <signal.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <cstdio>
 
 #include "cli/system.h"
@@ -11,6 +14,12 @@ namespace {
 void Write(std::FILE* stream, std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stream);
     std::fflush(stream);
+}
+
+std::atomic<bool> g_interrupted{false};
+
+void NoteInterrupt(int) {
+    g_interrupted = true;
 }
 
 // The file's name as one word of a shell command.
@@ -28,6 +37,21 @@ void WriteOutput(std::string_view text) {
 
 void WriteError(std::string_view text) {
     Write(stderr, text);
+}
+
+bool OutputIsTerminal() {
+    return isatty(STDOUT_FILENO) != 0;
+}
+
+void WatchForInterrupt() {
+    struct sigaction action {};
+    action.sa_handler = NoteInterrupt;
+    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
+    sigaction(SIGINT, &action, nullptr);
+}
+
+bool Interrupted() {
+    return g_interrupted;
 }
 
 std::string ReadInput() {

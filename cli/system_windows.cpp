@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <io.h>
 
+#include <atomic>
 #include <cstdio>
 #include <memory>
 
@@ -24,6 +25,13 @@ void Write(DWORD which, std::string_view text) {
     }
     const client::Bstr wide(text);
     WriteConsoleW(handle, static_cast<BSTR>(wide), SysStringLen(wide), &written, nullptr);
+}
+
+std::atomic<bool> g_interrupted{false};
+
+// Called on a thread of the system's; false has it end the program.
+BOOL WINAPI NoteInterrupt(DWORD event) {
+    return event == CTRL_C_EVENT && !g_interrupted.exchange(true);
 }
 
 struct FreeLocal {
@@ -61,6 +69,19 @@ void WriteOutput(std::string_view text) {
 
 void WriteError(std::string_view text) {
     Write(STD_ERROR_HANDLE, text);
+}
+
+bool OutputIsTerminal() {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0;
+}
+
+void WatchForInterrupt() {
+    SetConsoleCtrlHandler(NoteInterrupt, TRUE);
+}
+
+bool Interrupted() {
+    return g_interrupted;
 }
 
 std::string ReadInput() {

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "cli/progress.h"
+
 namespace quorvane::cli {
 namespace {
 
@@ -11,6 +13,8 @@ TEST(Output, Json) {
     EXPECT_EQ(OutcomeAsJson({550, "550 \"no\"\r\n\x1B[2J ü"}),
               R"({"number":null,"status":"failed","code":550,"text":"550 \"no\"\r\n)"
               "\\u001b[2J ü\"}");
+    EXPECT_EQ(OutcomeAsJson({-2, ""}, 7, MailStatusCanceled),
+              R"({"number":7,"status":"cancelled","code":-2,"text":""})");
 }
 
 TEST(Output, TextKeepsLinesAndNothingElseThatATerminalActsOn) {
@@ -20,6 +24,28 @@ TEST(Output, TextKeepsLinesAndNothingElseThatATerminalActsOn) {
               "550: 550-no\n    550 ?[2Jnever???1m ü");
     EXPECT_EQ(OutcomeAsText({-1, "DNS server failure.\r\n"}), "-1: DNS server failure.");
     EXPECT_EQ(OutcomeAsText({-1, ""}), "-1: ");
+}
+
+TEST(Output, ProgressFitsALineAndSaysOnlyWhatIsKnown) {
+    using std::chrono::milliseconds;
+    const struct {
+        Progress progress;
+        const char* line;
+    } cases[] = {
+        {{100, 0, 0, milliseconds(0), 0, 0}, "0 sent, 0 failed, 100 queued"},
+        {{100, 0, 0, milliseconds(900), 8192, 3'400'000},
+         "0 sent, 0 failed, 100 queued, 0.0 of 3.4 MB"},
+        {{100, 10, 2, milliseconds(600), 0, 0}, "10 sent, 2 failed, 88 queued, 20/s, 4 s left"},
+        {{100, 1, 0, milliseconds(90'000), 0, 0}, "1 sent, 0 failed, 99 queued, 0.0/s, 2 h left"},
+        {{1000, 1, 0, milliseconds(500), 0, 0}, "1 sent, 0 failed, 999 queued, 2.0/s, 8 min left"},
+        {{3, 2, 1, milliseconds(1000), 0, 0}, "2 sent, 1 failed, 0 queued, 3.0/s"},
+        {{1'000'000, 0, 999'999, milliseconds(86'400'000), 2'000'000'000, 2'000'000'000},
+         "0 sent, 999999 failed, 1 queued, 12/s, 0 s left, 2000 of 2000 MB"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(ProgressLine(c.progress), c.line);
+        EXPECT_LT(ProgressLine(c.progress).size(), 80u);
+    }
 }
 
 }  // namespace

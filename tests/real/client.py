@@ -28,13 +28,21 @@ class Client:
         other._environment = environment
         return other
 
+    def _all_variables(self):
+        # Wine reads names and arguments by the locale, which a build server may leave unset.
+        return {**os.environ, "LC_ALL": "C.UTF-8", **self._environment}
+
+    def start(self, *arguments, stdout=subprocess.PIPE):
+        """Starts it; the caller waits for the process."""
+        return subprocess.Popen([*self._command, *map(str, arguments)], stdin=subprocess.DEVNULL,
+                                stdout=stdout, stderr=subprocess.PIPE, text=True,
+                                env=self._all_variables())
+
     def run(self, *arguments, stdin=None):
         """Runs it; the result has returncode, and stdout and stderr as text."""
         done = subprocess.run(
             [*self._command, *map(str, arguments)], input=stdin or b"", capture_output=True,
-            timeout=TIMEOUT_SECONDS,
-            # Wine reads names and arguments by the locale, which a build server may leave unset.
-            env={**os.environ, "LC_ALL": "C.UTF-8", **self._environment})
+            timeout=TIMEOUT_SECONDS, env=self._all_variables())
         done.stdout = done.stdout.decode("utf-8").replace("\r\n", "\n")
         done.stderr = done.stderr.decode("utf-8").replace("\r\n", "\n")
         return done

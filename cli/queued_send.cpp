@@ -1,0 +1,195 @@
+#include "cli/queued_send.h"
+
+#include <algorithm>
+#include <chrono>
+#include <map>
+#include <set>
+
+#include "cli/output.h"
+#include "cli/progress.h"
+#include "cli/system.h"
+#include "quorvane_events.hpp"
+
+namespace quorvane::cli {
+namespace {
+
+using client::Check;
+using client::ComPtr;
+using client::Outcome;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds kGlance{50};
+constexpr int kLinesWithoutTerminal = 10;
+// Messages that are queued ahead, so that no worker is without work between two glances.
+constexpr std::size_t kQueuedAhead = 1000;
+
+// The user's view: one line that is written over and over on a terminal, a line now and then
+// elsewhere.
+class Display {
+public:
+    explicit Display(const Options& options)
+        : wanted_(!options.quiet && !options.json), onTerminal_(system::OutputIsTerminal()) {}
+
+    void Show(const Progress& progress) {
+        const int ended = progress.sent + progress.failed;
+        if (!wanted_) return;
+        if (onTerminal_) {
+            const std::string line = ProgressLine(progress);
+            system::WriteOutput("\r" + line + Blanks(line.size()));
+            shown_ = line.size();
+        } else if (ended >= next_ && ended < progress.count) {
+            system::WriteOutput(ProgressLine(progress) + "\n");
+            const int step = std::max(progress.count / kLinesWithoutTerminal, 1);
+            next_ = (ended / step + 1) * step;
+        }
+    }
+
+    // Makes room for lines that stay.
+    void Clear() {
+        if (shown_ == 0) return;
+        system::WriteOutput("\r" + Blanks(0) + "\r");
+        shown_ = 0;
+    }
+
+private:
+    // Over what is left of the line before.
+    std::string Blanks(std::size_t from) const {
+        return std::string(shown_ > from ? shown_ - from : 0, ' ');
+    }
+
+    const bool wanted_;
+    const bool onTerminal_;
+    std::size_t shown_ = 0;  // characters
+    int next_ = 1;           // messages that have to have ended for the next line
+};
+
+class QueuedSend {
+public:
+    QueuedSend(const Options& options, ComPtr<ISmtpMail> mail, ComPtr<IMailMessage> message)
+        : options_(options),
+          mail_(std::move(mail)),
+          message_(std::move(message)),
+          display_(options) {
+        progress_.count = options.count;
+        Check(mail_->put_MaxThreads(options.threads), mail_);
+    }
+
+    ExitStatus Run() {
+        system::WatchForInterrupt();
+        const client::EventListener listener(
+            mail_, [](LONG, MailStatus) {},
+            [this](LONG number, LONG sent, LONG total) {
+                inFlight_[number] = {sent, total};
+            });
+        for (bool more = true; more; more = !interrupted_ || !unfinished_.empty()) {
+            TakeInterrupt();
+            QueueMore();
+            client::TakeMessages(kGlance);
+            CollectEnded();
+            ShowProgress();
+            if (progress_.sent + progress_.failed == progress_.count) break;
+        }
+        display_.Clear();
+        TellTheEnd();
+        return progress_.sent == progress_.count ? kSent : kNotSent;
+    }
+
+private:
+    void TakeInterrupt() {
+        if (interrupted_ || !system::Interrupted()) return;
+        interrupted_ = true;
+        Check(mail_->CancelAll(), mail_);
+    }
+
+    void QueueMore() {
+        while (!interrupted_ && queued_ < options_.count && unfinished_.size() < kQueuedAhead) {
+            LONG number = 0;
+            ++queued_;
+            try {
+                const VARIANT_BOOL useServer = options_.direct ? VARIANT_FALSE : VARIANT_TRUE;
+                Check(mail_->SendAsync(message_, useServer, &number), mail_);
+                unfinished_.insert(number);
+            } catch (const client::Error& error) {
+                if (error.status() == E_INVALIDARG) throw UsageError(error.what());
+                Tell(0, MailStatusFailed, {-1, error.what()});
+            }
+        }
+    }
+
+    void CollectEnded() {
+        for (auto number = unfinished_.begin(); number != unfinished_.end();) {
+            MailStatus status = MailStatusQueued;
+            Check(mail_->GetStatus(*number, &status), mail_);
+            if (status < MailStatusSent) {
+                ++number;
+                continue;
+            }
+            Outcome outcome;
+            client::Bstr text;
+            Check(mail_->GetErrorCode(*number, &outcome.code), mail_);
+            Check(mail_->GetErrorDescription(*number, text.Put()), mail_);
+            outcome.text = text.utf8();
+            Tell(*number, status, outcome);
+            inFlight_.erase(*number);
+            number = unfinished_.erase(number);
+        }
+    }
+
+    void Tell(LONG number, MailStatus status, const Outcome& outcome) {
+        if (status == MailStatusSent) {
+            ++progress_.sent;
+        } else {
+            ++progress_.failed;
+        }
+        if (options_.json) system::WriteOutput(OutcomeAsJson(outcome, number, status) + "\n");
+        if (status != MailStatusFailed) return;
+        display_.Clear();
+        system::WriteError("quorvane-send: not sent: " + OutcomeAsText(outcome) + "\n");
+    }
+
+    void ShowProgress() {
+        progress_.elapsed =
+            std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_);
+        progress_.bytesSent = 0;
+        progress_.bytesTotal = 0;
+        for (const auto& [number, bytes] : inFlight_) {
+            progress_.bytesSent += bytes.sent;
+            progress_.bytesTotal += bytes.total;
+        }
+        display_.Show(progress_);
+    }
+
+    void TellTheEnd() {
+        const std::string summary = Summary(progress_.sent, progress_.count);
+        if (interrupted_) {
+            system::WriteError("quorvane-send: interrupted. " + summary + "\n");
+        } else if (!options_.json && !options_.quiet) {
+            system::WriteOutput(summary + "\n");
+        }
+    }
+
+    struct Bytes {
+        LONG sent;
+        LONG total;
+    };
+
+    const Options& options_;
+    const ComPtr<ISmtpMail> mail_;
+    const ComPtr<IMailMessage> message_;
+    Display display_;
+    Progress progress_;
+    const Clock::time_point start_ = Clock::now();
+    int queued_ = 0;
+    bool interrupted_ = false;
+    std::set<LONG> unfinished_;
+    std::map<LONG, Bytes> inFlight_;
+};
+
+}  // namespace
+
+ExitStatus SendThroughQueue(const Options& options, const ComPtr<ISmtpMail>& mail,
+                            const ComPtr<IMailMessage>& message) {
+    return QueuedSend(options, mail, message).Run();
+}
+
+}  // namespace quorvane::cli

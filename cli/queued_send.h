@@ -1,0 +1,16 @@
+// Sending through the component's queue.
+#pragma once
+
+#include "cli/options.h"
+#include "cli/run.h"
+#include "quorvane.hpp"
+
+namespace quorvane::cli {
+
+// Queues the message as often as the options say, and tells how it goes until all have ended or the
+// user interrupts it: then what is queued is cancelled. Throws UsageError for a message that the
+// component refuses.
+ExitStatus SendThroughQueue(const Options& options, const client::ComPtr<ISmtpMail>& mail,
+                            const client::ComPtr<IMailMessage>& message);
+
+}  // namespace quorvane::cli

@@ -1,0 +1,112 @@
+"""quorvane-send --async: what arrives, what is said meanwhile, and how it is interrupted."""
+
+import contextlib
+import json
+import os
+import pty
+import signal
+import socket
+import tempfile
+import threading
+
+from case import SIMPLE_ARGUMENTS, SendTest
+from mail_catcher import Catcher
+
+LINE = r"\d+ sent, \d+ failed, \d+ queued(, [\d.]+/s(, \d+ \w+ left)?)?(, [\d.]+ of [\d.]+ MB)?"
+
+
+@contextlib.contextmanager
+def silent_server():
+    """A server that says nothing: its port, and an event that is set when somebody has called."""
+    called = threading.Event()
+    connections = []
+
+    def accept():
+        with contextlib.suppress(OSError):
+            while True:
+                connections.append(listener.accept()[0])
+                called.set()
+
+    with socket.create_server(("127.0.0.1", 0)) as listener:
+        thread = threading.Thread(target=accept)
+        thread.start()
+        try:
+            yield listener.getsockname()[1], called
+        finally:
+            listener.shutdown(socket.SHUT_RDWR)
+            thread.join()
+            for connection in connections:
+                connection.close()
+
+
+class QueueTest(SendTest):
+    @classmethod
+    def setUpClass(cls):
+        folder = tempfile.TemporaryDirectory(prefix="quorvane-catcher-")
+        cls.addClassCleanup(folder.cleanup)
+        cls.catcher = Catcher(folder.name)
+        cls.addClassCleanup(cls.catcher.stop)
+        cls.port = cls.catcher.port
+
+    def test_all_arrive_once(self):
+        done = self.send(*SIMPLE_ARGUMENTS, "--async", "--count", 40, "--threads", 4)
+        *progress, summary = done.stdout.splitlines()
+        self.assertEqual(summary, "40 of 40 messages sent.")
+        self.assertLess(len(progress), 12)
+        self.assertGreater(len(progress), 0)
+        for line in progress:
+            self.assertRegex(line, rf"\A{LINE}\Z")
+        envelopes = self.catcher.messages()
+        self.assertEqual(len(envelopes), 40)
+        self.assertEqual(len({raw for _, raw in envelopes}), 40, "each has a Message-ID of its own")
+
+    def test_outcomes_as_json(self):
+        done = self.send(*SIMPLE_ARGUMENTS, "--async", "--count", 5, "--json")
+        outcomes = sorted((json.loads(line) for line in done.stdout.splitlines()),
+                          key=lambda outcome: outcome["number"])
+        self.assertEqual(outcomes, [{"number": number, "status": "sent", "code": 0, "text": ""}
+                                    for number in range(1, 6)])
+        self.assertEqual(self.send(*SIMPLE_ARGUMENTS, "--async", "--quiet").stdout, "")
+        self.catcher.messages()
+
+    def test_failures_are_told(self):
+        with socket.socket() as unused:
+            unused.bind(("127.0.0.1", 0))  # bound and not listening: refuses
+            done = self.send(*SIMPLE_ARGUMENTS, "--async", "--count", 3, "--attempts", 1, status=1,
+                             port=unused.getsockname()[1])
+        self.assertEqual(done.stdout.splitlines()[-1], "0 of 3 messages sent.")
+        self.assertEqual(done.stderr.count("not sent: -1: Could not connect"), 3)
+
+    def test_interruption_cancels_what_is_queued(self):
+        if self.client.windows:
+            self.skipTest("Wine has no way to press Ctrl-C")
+        with silent_server() as (port, called):
+            process = self.client.start("--server", f"127.0.0.1:{port}", *SIMPLE_ARGUMENTS,
+                                        "--async", "--count", 2000, "--timeout", 3600)
+            self.assertTrue(called.wait(20))
+            process.send_signal(signal.SIGINT)
+            _, errors = process.communicate(timeout=60)
+        self.assertEqual(process.returncode, 1)
+        self.assertEqual(errors, "quorvane-send: interrupted. 0 of 2000 messages sent.\n")
+
+    def test_terminal_shows_one_line_that_changes(self):
+        if self.client.windows:
+            self.skipTest("there are no terminals under Wine")
+        own, other = pty.openpty()
+        process = self.client.start("--server", f"127.0.0.1:{self.port}", *SIMPLE_ARGUMENTS,
+                                    "--async", "--count", 20, "--threads", 2, stdout=other)
+        os.close(other)
+        shown = b""
+        with contextlib.suppress(OSError), os.fdopen(own, "rb", buffering=0) as terminal:
+            while piece := terminal.read(4096):
+                shown += piece
+        self.assertEqual(process.communicate(timeout=60)[1], "")
+        self.assertEqual(process.returncode, 0)
+        *lines, summary = shown.decode().split("\r")[:-1]
+        self.assertEqual(summary.strip(), "20 of 20 messages sent.")
+        self.assertNotIn("\n", "".join(lines))
+        progress = [line.strip() for line in lines if line.strip()]
+        self.assertGreater(len(progress), 3)
+        for line in progress:
+            self.assertRegex(line, rf"\A{LINE}\Z")
+        self.assertEqual(len(self.catcher.messages()), 20)

@@ -54,6 +54,21 @@ class Examples(unittest.TestCase):
         self.assertEqual(mime_check.faults(raw), [])
         return envelope, mime_check.parse(raw)
 
+    def assert_queued(self, outcome):
+        """A large mail went out under a bar, and ten small ones whose status was told."""
+        status, said = outcome
+        lines = re.split(r"[\r\n]+", said)
+        self.assertEqual((status, lines[-1]), (0, "11 of 11 messages sent."))
+        bars = [line for line in lines if line.startswith("[")]
+        self.assertEqual(bars, sorted(bars, key=lambda bar: bar.count("#")))
+        self.assertRegex(bars[-1], r"\A\[#+\] 100 %\Z")
+        for number in range(1, 12):
+            told = [line for line in lines if line.startswith(f"Message {number} ")]
+            self.assertEqual(told, [f"Message {number} is being sent", f"Message {number} was sent"])
+        self.assertEqual(sorted(mime_check.parse(raw)["Subject"] for _, raw in
+                                self.catcher.messages()),
+                         sorted(["A long one", *(f"Short one {i}" for i in range(1, 11))]))
+
     def files(self, message):
         return {part.name: part.content for part in mime_check.leaves(message) if part.disposition}
 
@@ -63,6 +78,9 @@ class Programs(Examples):
         _, message = self.assert_sent(self.run_program("memory-example", *self.server))
         rows = self.files(message)["squares.csv"].decode().split("\r\n")
         self.assertEqual((len(rows), rows[100]), (102, "100,10000"))
+
+    def test_queue(self):
+        self.assert_queued(self.run_program("queue-example", *self.server))
 
     def test_sample(self):
         sample = EXAMPLES / "sample"
@@ -106,6 +124,9 @@ class Scripts:
         names = {part.content_id: f"images/{part.name}" for part in pictures}
         restored = re.sub(r"cid:(\w+)", lambda found: names[found[1]], html.content.decode())
         self.assertEqual(restored, (folder / "newsletter.html").read_bytes().decode())
+
+    def test_queue(self):
+        self.assert_queued(self.run_script("queue", *self.server))
 
     def test_errors(self):
         self.assert_sent(self.run_script("errors", *self.server, "ann@example.org"))

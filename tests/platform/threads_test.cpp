@@ -37,6 +37,11 @@ TEST(Threads, EndWithTheLibraryTheyHold) {
     ASSERT_NE(thread, 0u);
     EXPECT_TRUE(CloseHandle(reinterpret_cast<HANDLE>(thread)));
     EXPECT_EQ(ended.wait_for(std::chrono::seconds(20)), std::future_status::ready);
+
+    HMODULE none = task.library;
+    EXPECT_FALSE(GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                                    reinterpret_cast<LPCWSTR>(&none), &none));
+    EXPECT_EQ(none, nullptr);
     EXPECT_FALSE(FreeLibrary(nullptr));
 }
 

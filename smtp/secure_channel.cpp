@@ -19,6 +19,24 @@ std::string_view BytesOf(const SecBuffer& buffer) {
     return {static_cast<const char*>(buffer.pvBuffer), buffer.cbBuffer};
 }
 
+// Header, data and trailer as one: where they lie, or in `gathered` when the package has left gaps.
+std::string_view RecordOf(std::span<const SecBuffer, 4> buffers, std::string& gathered) {
+    std::string_view record = BytesOf(buffers[0]);
+    for (const SecBuffer& buffer : buffers.subspan<1, 2>()) {
+        const std::string_view part = BytesOf(buffer);
+        if (gathered.empty() && record.data() + record.size() == part.data()) {
+            record = {record.data(), record.size() + part.size()};
+        } else {
+            if (gathered.empty()) {
+                gathered = record;
+            }
+            gathered += part;
+            record = gathered;
+        }
+    }
+    return record;
+}
+
 }  // namespace
 
 bool SecureChannel::pending() const {
@@ -78,19 +96,8 @@ int SecureChannel::SendRecord(std::string_view data, std::string_view command, M
     if (status != SEC_E_OK) {
         return Fail(EncryptionText(m_server, status));
     }
-    const std::array parts{BytesOf(buffers[0]), BytesOf(buffers[1]), BytesOf(buffers[2])};
-    const bool contiguous = parts[0].data() == header &&
-                            parts[0].data() + parts[0].size() == parts[1].data() &&
-                            parts[1].data() + parts[1].size() == parts[2].data();
     std::string gathered;
-    std::string_view record(header, parts[0].size() + parts[1].size() + parts[2].size());
-    if (!contiguous) {
-        for (const std::string_view part : parts) {
-            gathered += part;
-        }
-        record = gathered;
-    }
-    switch (m_connection.Send(record, limit)) {
+    switch (m_connection.Send(RecordOf(buffers, gathered), limit)) {
         case SocketStatus::Done:
             return 0;
         case SocketStatus::TimedOut:

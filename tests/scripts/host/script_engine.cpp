@@ -97,6 +97,11 @@ HRESULT ScriptEngine::Start(const std::wstring& file) {
     if (SUCCEEDED(hr)) hr = parser_->InitNew();
     if (SUCCEEDED(hr)) hr = engine_->AddNamedItem(kItemName, SCRIPTITEM_ISVISIBLE);
     if (SUCCEEDED(hr)) hr = engine_->SetScriptState(SCRIPTSTATE_STARTED);
+    wscript_.SetGlobals([this] {
+        quorvane::ComPtr<IDispatch> globals;
+        engine_->GetScriptDispatch(nullptr, globals.Receive());
+        return globals;
+    });
     return hr;
 }
 

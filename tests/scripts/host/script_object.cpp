@@ -50,6 +50,14 @@ long Arguments::Number(UINT index) const {
     return number.lVal;
 }
 
+IDispatch& Arguments::Object(UINT index) const {
+    const VARIANT& value = At(index);
+    if (value.vt != VT_DISPATCH || !value.pdispVal) {
+        throw ScriptError{DISP_E_TYPEMISMATCH, L"An argument is no object"};
+    }
+    return *value.pdispVal;
+}
+
 STDMETHODIMP ScriptObject::QueryInterface(REFIID iid, void** out) {
     const bool known = iid == IID_IUnknown || iid == IID_IDispatch;
     *out = known ? static_cast<IDispatch*>(this) : nullptr;

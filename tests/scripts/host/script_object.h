@@ -26,6 +26,7 @@ public:
     // Conversions as the language does them; throw ScriptError when there is none.
     std::wstring Text(UINT index) const;
     long Number(UINT index) const;
+    IDispatch& Object(UINT index) const;
 
 private:
     const VARIANT& At(UINT index) const;

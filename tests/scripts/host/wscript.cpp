@@ -89,6 +89,10 @@ WScript::WScript(const std::wstring& script, std::vector<std::wstring> arguments
     });
     Add(L"CreateObject",
         [](const Arguments& values, VARIANT& result) { CreateObject(values.Text(0), result); });
+    Add(L"ConnectObject", [this](const Arguments& values, VARIANT&) {
+        const HRESULT hr = ConnectEvents(values.Object(0), values.Text(1), globals_);
+        if (FAILED(hr)) throw ScriptError{hr, L"Can't connect the events"};
+    });
     Add(L"ReadFile", [](const Arguments& values, VARIANT& result) {
         SetText(result, ReadFile(values.Text(0)));
     });

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/scripts/host/event_sink.h"
 #include "tests/scripts/host/script_object.h"
 
 namespace scripthost {
@@ -19,8 +20,9 @@ private:
     std::vector<std::wstring> values_;
 };
 
-// Echo(values...), Sleep(milliseconds), Quit([code]), CreateObject(ProgID), Arguments, ScriptName,
-// ScriptFullName, and ReadFile(name): a file's bytes as one character each, for tests.
+// Echo(values...), Sleep(milliseconds), Quit([code]), CreateObject(ProgID), ConnectObject(object,
+// prefix), Arguments, ScriptName, ScriptFullName, and ReadFile(name): a file's bytes as one
+// character each, for tests.
 class WScript final : public ScriptObject {
 public:
     // What Quit makes the engine unwind with. A script under "On Error Resume Next" goes on.
@@ -28,11 +30,15 @@ public:
 
     WScript(const std::wstring& script, std::vector<std::wstring> arguments);
 
+    // Where the functions for events are.
+    void SetGlobals(Globals globals) { globals_ = std::move(globals); }
+
     // The code given to Quit, when it was called.
     std::optional<int> QuitCode() const { return quitCode_; }
 
 private:
     ArgumentList arguments_;
+    Globals globals_;
     std::optional<int> quitCode_;
 };
 

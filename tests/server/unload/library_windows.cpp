@@ -17,8 +17,8 @@ IUnknown* CreateObject(const char*, REFCLSID clsid, REFIID iid) {
 }
 
 HRESULT CanUnloadNow() {
-    using Function = HRESULT(WINAPI)();
-    const auto function = reinterpret_cast<Function*>(
+    using Function = HRESULT(WINAPI*)();
+    const auto function = reinterpret_cast<Function>(
         reinterpret_cast<void*>(GetProcAddress(Library(), "DllCanUnloadNow")));
     return function ? function() : E_FAIL;
 }

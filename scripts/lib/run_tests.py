@@ -12,7 +12,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
 BUILD = ROOT / "build"
-CTEST_TIMEOUT_SECONDS = 300
+CTEST_TIMEOUT_SECONDS = 600
 
 PRESETS = {
     "native": ["linux-release", "linux-debug"],

@@ -53,16 +53,6 @@ LONG Queue(const ComPtr<ISmtpMail>& mail, const ComPtr<IMailMessage>& message) {
     return number;
 }
 
-// Events arrive while this waits.
-void WaitUntilAllHaveEnded(const ComPtr<ISmtpMail>& mail) {
-    LONG left = 1;
-    while (left > 0) {
-        qv::TakeMessages(kMoment);
-        Check(mail->GetQueueSize(&left), mail);
-    }
-    qv::TakeMessages(4 * kMoment);  // for the last events
-}
-
 // Tells of those that were not sent; returns how many were.
 int CountSent(const ComPtr<ISmtpMail>& mail, LONG last) {
     int sent = 0;
@@ -90,19 +80,22 @@ int main(int count, char** arguments) {
         auto mail = qv::Create<ISmtpMail>();
         Check(mail->put_SmtpServer(Bstr(arguments[1])), mail);
         if (count > 2) Check(mail->put_SmtpPort(std::atoi(arguments[2])), mail);
+        LONG ended = 0;
         const qv::EventListener listener(
             mail,
-            [](LONG number, MailStatus status) {
+            [&](LONG number, MailStatus status) {
+                if (status >= MailStatusSent) ++ended;
                 std::cout << "Message " << number << ' ' << kWords[status] << '\n';
             },
             [](LONG, LONG bytesSent, LONG bytesTotal) { ShowBar(bytesSent, bytesTotal); });
 
+        // Events arrive while messages are taken.
         LONG last = Queue(mail, Compose("A long one", LongText(32000)));
-        WaitUntilAllHaveEnded(mail);
+        while (ended < last) qv::TakeMessages(kMoment);
         for (int i = 1; i <= 10; ++i) {
             last = Queue(mail, Compose("Short one " + std::to_string(i), "Dinner at eight?"));
         }
-        WaitUntilAllHaveEnded(mail);
+        while (ended < last) qv::TakeMessages(kMoment);
         const int sent = CountSent(mail, last);
         std::cout << sent << " of " << last << " messages sent.\n";
         return sent == last ? 0 : 1;

@@ -36,16 +36,17 @@ mail.OnProgressHandler = function (number, bytesSent, bytesTotal) {
     tenths = Math.floor(bytesSent / bytesTotal * 10);
     WScript.Echo("[" + repeated("#", tenths) + repeated(".", 10 - tenths) + "] " + tenths * 10 + " %");
 };
+var ended = 0;
 mail.OnStatusChangeHandler = function (number, status) {
+    if (status >= MailStatusSent) ++ended;
     WScript.Echo("Message " + number + " " + words[status]);
 };
 
 mail.SendAsync(compose("A long one", repeated(repeated("*", 62) + "\r\n", 32000)), true);
-while (mail.GetQueueSize() > 0) WScript.Sleep(50);
+while (ended < 1) WScript.Sleep(50);
 var i;
 for (i = 1; i <= 10; ++i) mail.SendAsync(compose("Short one " + i, "Dinner at eight?"), true);
-while (mail.GetQueueSize() > 0) WScript.Sleep(50);
-WScript.Sleep(200);  // for the last events
+while (ended < 11) WScript.Sleep(50);
 
 var failed = 0;
 for (i = 1; i <= 11; ++i) {

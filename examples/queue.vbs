@@ -35,8 +35,9 @@ Function LongText(kilobytes)
 End Function
 
 ' The two events. They arrive while WScript.Sleep waits.
-Dim tenths
+Dim tenths, ended
 tenths = 0
+ended = 0
 
 Sub Mail_OnProgress(number, bytesSent, bytesTotal)
     If Int(bytesSent / bytesTotal * 10) = tenths Then Exit Sub
@@ -45,6 +46,7 @@ Sub Mail_OnProgress(number, bytesSent, bytesTotal)
 End Sub
 
 Sub Mail_OnStatusChange(number, status)
+    If status >= MailStatusSent Then ended = ended + 1
     WScript.Echo "Message " & number & " " & words(status)
 End Sub
 
@@ -55,16 +57,15 @@ If WScript.Arguments.Count > 1 Then mail.SmtpPort = CLng(WScript.Arguments(1))
 WScript.ConnectObject mail, "Mail_"
 
 mail.SendAsync Compose("A long one", LongText(2000)), True
-Do While mail.GetQueueSize > 0
+Do While ended < 1
     WScript.Sleep 50
 Loop
 For i = 1 To 10
     mail.SendAsync Compose("Short one " & i, "Dinner at eight?"), True
 Next
-Do While mail.GetQueueSize > 0
+Do While ended < 11
     WScript.Sleep 50
 Loop
-WScript.Sleep 200 ' for the last events
 
 failed = 0
 For i = 1 To 11

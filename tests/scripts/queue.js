@@ -13,8 +13,12 @@ var heard = [];
 mail.OnStatusChangeHandler = function (number, status) {
     heard.push(typeof number + " " + number + " " + typeof status + " " + status);
 };
-var sent = 0, last = 0;
+var current = 0, sent = 0, last = 0;
 mail.OnProgressHandler = function (number, bytesSent, bytesTotal) {
+    if (number !== current) {
+        current = number;
+        sent = 0;
+    }
     if (bytesSent <= sent) fail("progress that goes back: " + bytesSent);
     sent = bytesSent;
     last = bytesTotal;

@@ -17,4 +17,8 @@ void UnloadIfUnused();
 
 bool IsLoaded();
 
+// Whether the library can go only after the thread that has used it, whose objects it keeps, or
+// only on that thread, whose apartment it belongs to.
+extern const bool kGoesAfterItsThread;
+
 }  // namespace quorvane::testing

@@ -17,6 +17,8 @@ Function* Symbol(const char* name) {
 
 }  // namespace
 
+const bool kGoesAfterItsThread = true;
+
 IUnknown* CreateObject(const char* library, REFCLSID clsid, REFIID iid) {
     g_path = library;
     if (!g_library) g_library = dlopen(library, RTLD_NOW);

@@ -2,12 +2,8 @@
 // workers, the processor time of a message beside that of a synchronous send, and doing nothing.
 #include <fmt/format.h>
 #include <malloc.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <ctime>
 #include <thread>
@@ -17,7 +13,7 @@
 #include "component/smtp_mail.h"
 #include "model/mail_address.h"
 #include "model/mail_message.h"
-#include "tests/servers/mail_peer.h"
+#include "tests/servers/linux/peer_process.h"
 
 namespace quorvane {
 namespace {
@@ -85,34 +81,6 @@ void MeasureTable(int finished) {
     fmt::print("{:>9} {:>8.0f} {:>8.0f} {:>10.0f} {:>13.0f} {:>8.0f} {:>10.0f}\n", finished, add,
                take, status, size, cancel, bytes);
 }
-
-// The peer in a process of its own, so that this one's processor time is the client's.
-class PeerProcess {
-public:
-    PeerProcess() {
-        int pipe[2];
-        if (::pipe(pipe) != 0) std::abort();
-        process_ = fork();
-        if (process_ == 0) {
-            const testing::MailPeer peer;
-            const int port = peer.port();
-            if (write(pipe[1], &port, sizeof port) != sizeof port) _exit(1);
-            const pid_t parent = getppid();
-            while (getppid() == parent) std::this_thread::sleep_for(std::chrono::milliseconds(50));
-            _exit(0);
-        }
-        if (read(pipe[0], &port_, sizeof port_) != sizeof port_) std::abort();
-    }
-    ~PeerProcess() {
-        kill(process_, SIGTERM);
-        waitpid(process_, nullptr, 0);
-    }
-    int port() const { return port_; }
-
-private:
-    pid_t process_ = 0;
-    int port_ = 0;
-};
 
 ComPtr<ISmtpMail> Mail(int port) {
     auto mail = New<CSmtpMail, ISmtpMail>();
@@ -184,13 +152,16 @@ void MeasureIdle(int port) {
 }
 
 void Run() {
-    const PeerProcess peer;
+    // In a process of its own, so that this one's processor time is the client's.
+    const testing::PeerProcess peer;
     fmt::print(
         "Nanoseconds of one step of the table, and bytes of a finished message\n"
         "{:>9} {:>8} {:>8} {:>10} {:>13} {:>8} {:>10}\n",
         "finished", "add", "take", "GetStatus", "GetQueueSize", "Cancel", "bytes");
     for (const int finished : {1'000, 10'000, 100'000, 1'000'000}) MeasureTable(finished);
 
+    fmt::print("\n");
+    MeasureIdle(peer.port());
     const double synchronous = MeasureSynchronous(peer.port());
     fmt::print(
         "\nMessages a second; a worker sends {} at most. A synchronous send takes {:.3f} ms of "
@@ -198,8 +169,6 @@ void Run() {
         kMessagesPerWorker, synchronous, "workers", "messages", "rate", "of the most",
         "processor time", "x of Send", "failed");
     for (const int workers : {1, 5, 50, 200}) MeasureThroughput(peer.port(), workers, synchronous);
-    fmt::print("\n");
-    MeasureIdle(peer.port());
 }
 
 }  // namespace

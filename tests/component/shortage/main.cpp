@@ -1,0 +1,159 @@
+// The queue when there are no threads or no memory to be had. Exit status 0 when it says so in
+// words, and goes on once there is enough again.
+#include <oleauto.h>
+#include <sys/resource.h>
+
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <thread>
+
+#include "component/smtp_mail.h"
+#include "model/mail_address.h"
+#include "model/mail_message.h"
+#include "tests/component/shortage/allocation.h"
+#include "tests/servers/linux/peer_process.h"
+
+namespace quorvane {
+namespace {
+
+bool Check(bool good, const std::string& what) {
+    if (!good) std::printf("FAILED: %s\n", what.c_str());
+    return good;
+}
+
+template <class Class, class Interface>
+HRESULT Make(ComPtr<Interface>& object) {
+    return CreateComObject<Class>(__uuidof(Interface), object.ReceiveVoid());
+}
+
+class Text {
+public:
+    explicit Text(WideView text) { ToBstr(text, text_.Receive()); }
+    operator BSTR() const { return text_.Get(); }
+
+private:
+    BstrHolder text_;
+};
+
+ComPtr<IMailMessage> Message() {
+    ComPtr<IMailMessage> message;
+    ComPtr<IMailAddress> address;
+    Make<CMailMessage>(message);
+    Make<CMailAddress>(address);
+    address->put_Address(Text(OLESTR("ok@example.org")));
+    message->put_Sender(address.Get());
+    message->AddRecipient(address.Get());
+    message->put_MessageBody(Text(WideString(20000, WCHAR('x'))));
+    return message;
+}
+
+std::string TakeErrorText() {
+    ComPtr<IErrorInfo> info;
+    BstrHolder text;
+    if (GetErrorInfo(0, info.Receive()) != S_OK) return "-";
+    info->GetDescription(text.Receive());
+    return ToUtf8(FromBstr(text.Get()));
+}
+
+LONG StatusAtTheEnd(ISmtpMail& mail, LONG number) {
+    MailStatus status = MailStatusQueued;
+    for (int waited = 0; waited < 20000 && status < MailStatusSent; ++waited) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        mail.GetStatus(number, &status);
+    }
+    return EnumerationValue(status);
+}
+
+// As long as it lives there is no room for the stack of another thread.
+class NoMoreThreads {
+public:
+    NoMoreThreads() {
+        getrlimit(RLIMIT_AS, &before_);
+        std::size_t pages = 0;
+        std::ifstream("/proc/self/statm") >> pages;
+        constexpr std::size_t kPage = 4096, kRoom = 2 << 20;
+        const rlimit limit{pages * kPage + kRoom, before_.rlim_max};
+        setrlimit(RLIMIT_AS, &limit);
+    }
+    ~NoMoreThreads() { setrlimit(RLIMIT_AS, &before_); }
+    NoMoreThreads(const NoMoreThreads&) = delete;
+    NoMoreThreads& operator=(const NoMoreThreads&) = delete;
+
+private:
+    rlimit before_{};
+};
+
+// The system keeps the stacks of threads that have ended, so this comes before any have.
+bool RunsOutOfThreads(int port) {
+    bool good = true;
+    ComPtr<ISmtpMail> mail;
+    const auto message = Message();
+    {
+        const NoMoreThreads shortage;
+        good &= Check(Make<CSmtpMail>(mail) == E_FAIL && !mail, "no object without its threads");
+    }
+    if (!Check(Make<CSmtpMail>(mail) == S_OK, "an object when there are threads")) return false;
+    mail->put_SmtpServer(Text(OLESTR("127.0.0.1")));
+    mail->put_SmtpPort(port);
+    LONG number = 77;
+    {
+        const NoMoreThreads shortage;
+        good &= Check(mail->SendAsync(message.Get(), VARIANT_TRUE, &number) == E_FAIL,
+                      "SendAsync says that there is no thread");
+        good &= Check(mail->put_MaxThreads(50) == S_OK, "MaxThreads doesn't mind");
+    }
+    good &= Check(TakeErrorText() == "Can't create send thread!", "the words for it");
+    good &= Check(number == 77, "the number isn't told");
+    good &= Check(StatusAtTheEnd(*mail.Get(), 1) == MailStatusSent, "the message goes out");
+    return good;
+}
+
+// Has one allocation fail after another while a message is queued and sent.
+bool RunsOutOfMemory(int port) {
+    // Every one of those that queue a message, and many of those that send it.
+    constexpr long kQueueing = 30, kSending = 600, kStep = 7;
+    bool good = true;
+    ComPtr<ISmtpMail> mail;
+    Make<CSmtpMail>(mail);
+    mail->put_MaxThreads(1);
+    mail->put_SmtpServer(Text(OLESTR("127.0.0.1")));
+    mail->put_SmtpPort(port);
+    const auto message = Message();
+    int queued = 0, sent = 0;
+    int tries = 0;
+    for (long failing = 0; failing < kSending; failing += failing < kQueueing ? 1 : kStep) {
+        ++tries;
+        LONG number = 0;
+        FailAllocation(failing);
+        const HRESULT hr = mail->SendAsync(message.Get(), VARIANT_TRUE, &number);
+        const LONG status = hr == S_OK ? StatusAtTheEnd(*mail.Get(), number) : MailStatusFailed;
+        FailAllocation(-1);
+        const std::string which = "allocation " + std::to_string(failing);
+        good &= Check(hr == S_OK || FAILED(hr), which + ": another answer");
+        good &= Check(status == MailStatusSent || status == MailStatusFailed, which + ": no end");
+        queued += hr == S_OK;
+        sent += status == MailStatusSent;
+    }
+    good &= Check(queued < tries, "queueing has failed, too");
+    good &= Check(sent < queued, "sending has failed, too");
+    LONG number = 0;
+    mail->SendAsync(message.Get(), VARIANT_TRUE, &number);
+    good &= Check(StatusAtTheEnd(*mail.Get(), number) == MailStatusSent, "all is well again");
+    std::printf("%d messages queued, %d of them sent\n", queued, sent);
+    return good;
+}
+
+int Run() {
+    const testing::PeerProcess peer;
+    const bool good = RunsOutOfThreads(peer.port());
+    return RunsOutOfMemory(peer.port()) && good ? 0 : 1;
+}
+
+}  // namespace
+}  // namespace quorvane
+
+int main() {
+    return quorvane::Run();
+}

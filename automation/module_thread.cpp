@@ -58,4 +58,15 @@ bool StartModuleThread(std::function<void()> body) noexcept {
     }
 }
 
+ThreadEnd::ThreadEnd() noexcept : thread_(OpenThread(SYNCHRONIZE, FALSE, GetCurrentThreadId())) {}
+
+ThreadEnd::~ThreadEnd() {
+    if (thread_) CloseHandle(thread_);
+}
+
+bool ThreadEnd::WaitFor(std::chrono::milliseconds time) const noexcept {
+    return !thread_ ||
+           WaitForSingleObject(thread_, static_cast<DWORD>(time.count())) != WAIT_TIMEOUT;
+}
+
 }  // namespace quorvane

@@ -148,7 +148,7 @@ bool SendQueue::StartThread(void (SendQueue::*body)()) noexcept {
         if (StartModuleThread(std::move(run))) return true;
     } catch (const std::bad_alloc&) {
     }
-    stop_->ThreadEnds();
+    stop_->ThreadFailsToStart();
     return false;
 }
 

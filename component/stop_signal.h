@@ -1,9 +1,14 @@
 // The end of an object's threads: how they are told, and how long its release waits for them.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <new>
+#include <vector>
+
+#include "automation/module_thread.h"
 
 namespace quorvane {
 
@@ -31,15 +36,42 @@ public:
     }
 
     void ThreadStarts() { Count(1, 0); }
-    void ThreadEnds() { Count(-1, 0); }
+    void ThreadFailsToStart() { Count(-1, 0); }
+    // Called by the thread, as its last act that concerns the object.
+    void ThreadEnds() {
+        {
+            const std::lock_guard lock(mutex_);
+            std::erase_if(ends_, [](const ThreadEnd& end) {
+                return end.WaitFor(std::chrono::milliseconds(0));
+            });
+            try {
+                ends_.emplace_back();
+            } catch (const std::bad_alloc&) {
+                // Nobody waits for the rest of its way then.
+            }
+        }
+        Count(-1, 0);
+    }
     // A thread calls somebody else's code, which returns when it likes.
     void CallBegins() { Count(0, 1); }
     void CallEnds() { Count(0, -1); }
 
-    // Until every thread has ended or is in such a call, at most that long.
+    // Until every thread has gone or is in such a call, at most that long. Gone altogether, since
+    // the host may be about to end the process, and not every system takes it well when a thread is
+    // on its last steps then.
     void WaitForThreads(std::chrono::milliseconds limit) {
-        std::unique_lock lock(mutex_);
-        quietCondition_.wait_for(lock, limit, [this] { return threads_ <= calls_; });
+        const auto deadline = std::chrono::steady_clock::now() + limit;
+        std::vector<ThreadEnd> ends;
+        {
+            std::unique_lock lock(mutex_);
+            quietCondition_.wait_until(lock, deadline, [this] { return threads_ <= calls_; });
+            ends.swap(ends_);
+        }
+        for (const ThreadEnd& end : ends) {
+            const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+                deadline - std::chrono::steady_clock::now());
+            end.WaitFor(std::max(left, std::chrono::milliseconds(0)));
+        }
     }
 
 private:
@@ -53,6 +85,7 @@ private:
     mutable std::mutex mutex_;
     std::condition_variable sentCondition_;
     std::condition_variable quietCondition_;
+    std::vector<ThreadEnd> ends_;  // of those that are on their last steps
     bool sent_ = false;
     int threads_ = 0;
     int calls_ = 0;

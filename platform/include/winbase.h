@@ -1,4 +1,5 @@
-// Files, the calling thread's last error, texts of errors, modules, clocks and the computer's name.
+// Files, the calling thread's last error, texts of errors, threads, modules, clocks and the
+// computer's name.
 #pragma once
 
 #include <stdarg.h>
@@ -61,6 +62,24 @@ BOOL WINAPI DeleteFileW(LPCWSTR name);
 // FILE_ATTRIBUTE_DIRECTORY or FILE_ATTRIBUTE_NORMAL; INVALID_FILE_ATTRIBUTES and the last error
 // when there is no such file. Differs from Windows: there are no other attributes.
 DWORD WINAPI GetFileAttributesW(LPCWSTR name);
+
+#define SYNCHRONIZE 0x00100000
+#define WAIT_OBJECT_0 0u
+#define WAIT_TIMEOUT 258u
+#define WAIT_FAILED 0xFFFFFFFFu
+
+DWORD WINAPI GetCurrentThreadId();
+
+// A handle of the calling thread for others to wait for; the caller closes it. Null and the last
+// error on failure. Differs from Windows: other threads can't be opened
+// (ERROR_INVALID_PARAMETER).
+HANDLE WINAPI OpenThread(DWORD access, BOOL inherit, DWORD thread);
+
+// Waits until the thread has ended (WAIT_OBJECT_0), at most that long (WAIT_TIMEOUT); WAIT_FAILED
+// for what is no handle. Differs from Windows: a thread has ended when it leaves the function that
+// _beginthreadex was given, or in FreeLibraryAndExitThread, its thread_local objects yet to go;
+// threads that nobody started so have no such end.
+DWORD WINAPI WaitForSingleObject(HANDLE thread, DWORD milliseconds);
 
 #define DLL_PROCESS_DETACH 0
 #define DLL_PROCESS_ATTACH 1

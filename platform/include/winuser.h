@@ -28,9 +28,6 @@ typedef struct tagMSG {
 #define QS_ALLINPUT 0x1CFF
 
 #define INFINITE 0xFFFFFFFFu
-#define WAIT_OBJECT_0 0u
-#define WAIT_TIMEOUT 258u
-#define WAIT_FAILED 0xFFFFFFFFu
 
 extern "C" {
 

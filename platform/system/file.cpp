@@ -8,27 +8,18 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "handle.h"
 #include "host_path.h"
 #include "share_mode.h"
 #include "thread.h"
 
+using quorvane::platform::Descriptor;
 using quorvane::platform::PathError;
 using quorvane::platform::ShareForReading;
+using quorvane::platform::ToHandle;
 using quorvane::platform::ToHostPath;
 
 namespace {
-
-// A handle is the file descriptor plus one, times four: never null, a multiple of four as on
-// Windows, and a wrong one is found out by the kernel.
-HANDLE ToHandle(int descriptor) {
-    return reinterpret_cast<HANDLE>((static_cast<ULONG_PTR>(descriptor) + 1) * 4);
-}
-
-int Descriptor(HANDLE handle) {
-    const auto value = reinterpret_cast<ULONG_PTR>(handle);
-    if (value == 0 || value % 4 != 0 || value / 4 > INT32_MAX) return -1;
-    return static_cast<int>(value / 4 - 1);
-}
 
 HANDLE Refuse(DWORD error, int descriptor = -1) {
     if (descriptor >= 0) close(descriptor);

@@ -1,18 +1,36 @@
-// Threads, and the library that their code is in.
+// Threads, their end, and the library that their code is in.
 #include "thread.h"
 
 #include <windows.h>
 #include <process.h>
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <link.h>
+#include <poll.h>
 #include <pthread.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <memory>
 #include <new>
+#include <utility>
+
+#include "handle.h"
 
 namespace {
+
+// What a thread's handles are duplicates of: readable once the thread has ended. Nothing when it
+// has given out no handle. A plain number, which costs threads nothing that start and end without
+// it.
+thread_local int t_end = -1;
+
+void AnnounceEnd() {
+    if (t_end < 0) return;
+    eventfd_write(t_end, 1);
+    close(std::exchange(t_end, -1));
+}
 
 struct Start {
     unsigned(WINAPI* run)(void*);
@@ -23,6 +41,7 @@ void* Run(void* start) {
     // Freed before the thread runs, because FreeLibraryAndExitThread doesn't come back.
     const Start own = *std::unique_ptr<Start>(static_cast<Start*>(start));
     own.run(own.argument);
+    AnnounceEnd();
     return nullptr;
 }
 
@@ -101,5 +120,35 @@ BOOL FreeLibrary(HMODULE module) {
 
 void FreeLibraryAndExitThread(HMODULE module, DWORD) {
     g_libraryToClose.AtThreadEnd(module);
+    AnnounceEnd();
     pthread_exit(nullptr);
+}
+
+DWORD GetCurrentThreadId() {
+    return static_cast<DWORD>(gettid());
+}
+
+HANDLE OpenThread(DWORD, BOOL, DWORD thread) {
+    if (thread != GetCurrentThreadId()) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    if (t_end < 0) t_end = eventfd(0, EFD_CLOEXEC);
+    const int copy = t_end < 0 ? -1 : fcntl(t_end, F_DUPFD_CLOEXEC, 0);
+    if (copy >= 0) return quorvane::platform::ToHandle(copy);
+    SetLastError(ERROR_TOO_MANY_OPEN_FILES);
+    return nullptr;
+}
+
+DWORD WaitForSingleObject(HANDLE thread, DWORD milliseconds) {
+    pollfd end{quorvane::platform::Descriptor(thread), POLLIN, 0};
+    if (end.fd < 0) return WAIT_FAILED;
+    const ULONGLONG deadline = GetTickCount64() + milliseconds;
+    for (;;) {
+        const ULONGLONG now = GetTickCount64();
+        const int ready = poll(&end, 1, now < deadline ? static_cast<int>(deadline - now) : 0);
+        if (ready == 0) return WAIT_TIMEOUT;
+        if (ready > 0) return end.revents & POLLNVAL ? WAIT_FAILED : WAIT_OBJECT_0;
+        if (errno != EINTR) return WAIT_FAILED;
+    }
 }

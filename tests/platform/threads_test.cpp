@@ -10,6 +10,8 @@ namespace {
 
 struct Task {
     HMODULE library = nullptr;
+    std::promise<HANDLE> begun;
+    std::promise<void> goOn;
     std::promise<void> ended;
 };
 
@@ -25,6 +27,8 @@ thread_local EndNotice t_endNotice;
 unsigned WINAPI EndWithLibrary(void* argument) {
     auto* const task = static_cast<Task*>(argument);
     t_endNotice.task = task;
+    task->begun.set_value(OpenThread(SYNCHRONIZE, FALSE, GetCurrentThreadId()));
+    task->goOn.get_future().wait();
     FreeLibraryAndExitThread(task->library, 0);
 }
 
@@ -36,6 +40,15 @@ TEST(Threads, EndWithTheLibraryTheyHold) {
     const uintptr_t thread = _beginthreadex(nullptr, 0, EndWithLibrary, &task, 0, nullptr);
     ASSERT_NE(thread, 0u);
     EXPECT_TRUE(CloseHandle(reinterpret_cast<HANDLE>(thread)));
+
+    // Others see through a handle of the thread's own that it has ended, and not before.
+    const HANDLE end = task.begun.get_future().get();
+    ASSERT_NE(end, nullptr);
+    EXPECT_EQ(WaitForSingleObject(end, 1), WAIT_TIMEOUT);
+    task.goOn.set_value();
+    EXPECT_EQ(WaitForSingleObject(end, 20000), WAIT_OBJECT_0);
+    EXPECT_TRUE(CloseHandle(end));
+    EXPECT_EQ(WaitForSingleObject(nullptr, 0), WAIT_FAILED);
     EXPECT_EQ(ended.wait_for(std::chrono::seconds(20)), std::future_status::ready);
 
     HMODULE none = task.library;

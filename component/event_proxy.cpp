@@ -10,6 +10,7 @@
 
 #include "Quorvane.h"
 #include "automation/boundary.h"
+#include "component/event_forwarder.h"
 
 namespace quorvane {
 namespace {
@@ -40,14 +41,19 @@ CProxy_ISmtpMailEvents::CProxy_ISmtpMailEvents() {
 }
 
 HRESULT CProxy_ISmtpMailEvents::Advise(IUnknown* sink, DWORD* cookie) {
+    if (cookie) *cookie = 0;
     if (!sink || !cookie) return E_POINTER;
-    *cookie = 0;
     ComPtr<IDispatch> events;
     if (FAILED(sink->QueryInterface(DIID__ISmtpMailEvents, events.ReceiveVoid())) || !events) {
         return CONNECT_E_CANNOTCONNECT;
     }
     DWORD registration = 0;
-    const HRESULT hr = Register(events.Get(), registration);
+    const HRESULT hr = Guarded([&] {
+        ComPtr<IDispatch> general;
+        sink->QueryInterface(IID_IDispatch, general.ReceiveVoid());
+        if (general.Get() != events.Get()) events = ForwardEvents(ComPtr<IUnknown>(sink), events);
+        return Register(events.Get(), registration);
+    });
     if (FAILED(hr)) return hr;
     if (TakeSlot(registration, cookie)) return S_OK;
     Revoke(registration);
@@ -81,15 +87,15 @@ std::vector<Connection> CProxy_ISmtpMailEvents::Connections() {
 }
 
 void CProxy_ISmtpMailEvents::FireStatusChange(LONG messageNumber, LONG newStatus) {
-    Fire(kStatusChange, std::array{messageNumber, newStatus}, statusHandler_);
+    Fire(kStatusChange, std::array{messageNumber, newStatus}, m_statusHandlerCookie);
 }
 
 void CProxy_ISmtpMailEvents::FireProgress(LONG messageNumber, LONG bytesSent, LONG bytesTotal) {
-    Fire(kProgress, std::array{messageNumber, bytesSent, bytesTotal}, progressHandler_);
+    Fire(kProgress, std::array{messageNumber, bytesSent, bytesTotal}, m_progressHandlerCookie);
 }
 
 void CProxy_ISmtpMailEvents::RevokeHandlers() {
-    for (DWORD* const member : {&statusHandler_, &progressHandler_}) {
+    for (DWORD* const member : {&m_statusHandlerCookie, &m_progressHandlerCookie}) {
         std::unique_lock lock(mutex_);
         const DWORD registration = std::exchange(*member, 0);
         lock.unlock();

@@ -42,9 +42,11 @@ public:
 
     // Replace the script function. E_INVALIDARG for anything but an object, which leaves the one
     // that is there; a null object removes it and gives what the table answers to it.
-    HRESULT PutStatusHandler(const VARIANT& handler) { return PutHandler(statusHandler_, handler); }
+    HRESULT PutStatusHandler(const VARIANT& handler) {
+        return PutHandler(m_statusHandlerCookie, handler);
+    }
     HRESULT PutProgressHandler(const VARIANT& handler) {
-        return PutHandler(progressHandler_, handler);
+        return PutHandler(m_progressHandlerCookie, handler);
     }
 
     // Call all sinks in the order of their slots, then the script function. Listeners that fail
@@ -66,9 +68,9 @@ private:
 
     ComPtr<IGlobalInterfaceTable> table_;
     std::mutex mutex_;
-    std::vector<DWORD> slots_;  // registrations in the table; 0 is a free slot
-    DWORD statusHandler_ = 0;   // 0 for none
-    DWORD progressHandler_ = 0;
+    std::vector<DWORD> slots_;        // registrations in the table; 0 is a free slot
+    DWORD m_statusHandlerCookie = 0;  // 0 for none
+    DWORD m_progressHandlerCookie = 0;
 };
 
 }  // namespace quorvane

@@ -143,10 +143,58 @@ TEST_F(Events, ReachEverySinkInItsSlot) {
     EXPECT_TRUE(LetGo(sink));
 }
 
+// An object with a dual interface of its own, which its event interface is not.
+class TwoFaced final : public IDispatch {
+public:
+    explicit TwoFaced(Listener& events) : events_(events) {}
+
+    STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
+        const bool own = iid == IID_IUnknown || iid == IID_IDispatch;
+        *out = own                            ? this
+               : iid == DIID__ISmtpMailEvents ? static_cast<IDispatch*>(&events_)
+                                              : nullptr;
+        if (own) AddRef();
+        if (*out && !own) events_.AddRef();
+        return *out ? S_OK : E_NOINTERFACE;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
+    STDMETHODIMP_(ULONG) Release() override { return --references; }
+    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                        UINT*) override {
+        ++wrongCalls;
+        return S_OK;
+    }
+
+    std::atomic<ULONG> references{0};
+    int wrongCalls = 0;
+
+private:
+    Listener& events_;
+};
+
+TEST_F(Events, ReachTheEventInterfaceOfObjectsWithAnother) {
+    TwoFaced object(sink);
+    DWORD cookie = 0;
+    ASSERT_EQ(Point()->Advise(&object, &cookie), S_OK);
+    client.Send(OLESTR("ok@x"));
+    EXPECT_TRUE(PumpForStatus(1, MailStatusSent));
+    EXPECT_EQ(object.wrongCalls, 0);
+    EXPECT_EQ(Point()->Unadvise(cookie), S_OK);
+    EXPECT_TRUE(LetGo(sink));
+    EXPECT_TRUE(PumpUntil([&] { return object.references == 0; }));
+}
+
 TEST_F(Events, ConnectionPointKeepsItsContract) {
     const auto point = Point();
     DWORD cookie = 77;
     EXPECT_EQ(point->Advise(nullptr, &cookie), E_POINTER);
+    EXPECT_EQ(cookie, 0u);
+    cookie = 77;
     EXPECT_EQ(point->Advise(&sink, nullptr), E_POINTER);
     EXPECT_EQ(point->Advise(&function, &cookie), CONNECT_E_CANNOTCONNECT);
     EXPECT_EQ(cookie, 0u);
@@ -263,7 +311,7 @@ TEST_F(Events, ReleaseDoesNotWaitForAListenerThatIsBusy) {
         Listener deaf;
         client.mail->put_OnStatusChangeHandler(Handler(&deaf));
         listening = true;
-        Eventually([&] { return end.load(); });
+        EXPECT_TRUE(Eventually([&] { return end.load(); })) << "the release waits";
         EXPECT_THAT(deaf.events, IsEmpty());
         EXPECT_TRUE(PumpUntil(ModuleCanUnload)) << "the thread ends once its call is taken";
     });

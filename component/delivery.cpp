@@ -2,8 +2,6 @@
 
 #include <winsock2.h>
 
-#include "smtp/direct_delivery.h"
-
 namespace quorvane {
 namespace {
 
@@ -31,10 +29,9 @@ SendOutcome SendThroughRelay(const SmtpSettings& settings, CSmtp& session,
     return outcome;
 }
 
-SendOutcome SendDirect(const SmtpSettings& settings, TlsMode mode, CSmtp& session,
-                       COutgoingMessage& message) {
+SendOutcome SendDirect(const DirectSettings& settings, CSmtp& session, COutgoingMessage& message) {
     SendOutcome outcome;
-    outcome.code = DeliverDirect(message, {mode, settings.senderHostname}, session, outcome.text);
+    outcome.code = DeliverDirect(message, settings, session, outcome.text);
     session.Close();
     return outcome;
 }

@@ -3,6 +3,7 @@
 
 #include "component/settings.h"
 #include "model/outgoing_message.h"
+#include "smtp/direct_delivery.h"
 #include "smtp/session.h"
 
 namespace quorvane {
@@ -16,10 +17,8 @@ namespace quorvane {
 SendOutcome SendThroughRelay(const SmtpSettings& settings, CSmtp& session,
                              COutgoingMessage& message);
 
-// Sends the message to the mail exchangers of its recipients' domains, encrypted as `mode` says. Of
-// the settings only the sender's host name counts. After a failure the domains before it have the
-// message.
-SendOutcome SendDirect(const SmtpSettings& settings, TlsMode mode, CSmtp& session,
-                       COutgoingMessage& message);
+// Sends the message to the mail exchangers of its recipients' domains. After a failure the domains
+// before it have the message.
+SendOutcome SendDirect(const DirectSettings& settings, CSmtp& session, COutgoingMessage& message);
 
 }  // namespace quorvane

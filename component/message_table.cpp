@@ -6,7 +6,7 @@
 namespace quorvane {
 
 LONG MessageTable::Add(std::unique_ptr<COutgoingMessage> message, bool useSmtpServer) {
-    const LONG number = nextNumber_;
+    const LONG number = m_nextMessageNumber;
     if (number == std::numeric_limits<LONG>::max()) throw std::length_error("message numbers");
     queued_.insert(queued_.end(), number);
     try {
@@ -15,7 +15,7 @@ LONG MessageTable::Add(std::unique_ptr<COutgoingMessage> message, bool useSmtpSe
         queued_.erase(number);
         throw;
     }
-    return nextNumber_++;
+    return m_nextMessageNumber++;
 }
 
 CSmtpMailHolder* MessageTable::Find(LONG number) {
@@ -52,9 +52,7 @@ std::set<LONG> MessageTable::CancelAll() noexcept {
         holders_.find(number)->second.m_cancelRequested = 1;
     }
     for (const LONG number : queued_) {
-        CSmtpMailHolder& holder = holders_.find(number)->second;
-        holder.m_status = MailStatusCanceled;
-        holder.m_message.reset();
+        holders_.find(number)->second.m_status = MailStatusCanceled;
     }
     return std::exchange(queued_, {});
 }

@@ -52,7 +52,8 @@ public:
     // of one that was queued, else null.
     std::unique_ptr<COutgoingMessage> Cancel(CSmtpMailHolder& holder) noexcept;
 
-    // The same for all of them. Returns the numbers of those that were queued.
+    // The same for all of them. Returns the numbers of those that were queued, whose copies stay in
+    // their holders: nobody but the caller touches them any more.
     std::set<LONG> CancelAll() noexcept;
 
     // True when the message was to be cancelled while it was being sent; it is cancelled then.
@@ -69,7 +70,7 @@ private:
     std::map<LONG, CSmtpMailHolder> holders_;
     std::set<LONG> queued_;
     std::set<LONG> sending_;
-    LONG nextNumber_ = 1;
+    LONG m_nextMessageNumber = 1;
 };
 
 }  // namespace quorvane

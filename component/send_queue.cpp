@@ -32,7 +32,7 @@ private:
 std::shared_ptr<SendQueue> SendQueue::Start() {
     const std::shared_ptr<SendQueue> queue(new SendQueue);
     if (!queue->StartWorker() || !queue->StartThread(&SendQueue::EventThread)) {
-        queue->stop_->Send();
+        queue->m_stopEvent->Send();
         throw std::runtime_error("a thread can't be started");
     }
     return queue;
@@ -46,14 +46,14 @@ void SendQueue::ReleaseClient() noexcept {
         resting_ = true;
     }
     Rest();
-    stop_->WaitForThreads(kReleaseLimit);
+    m_stopEvent->WaitForThreads(kReleaseLimit);
     listeners.RevokeSinks();
 }
 
 void SendQueue::Rest() noexcept {
     listeners.RevokeHandlers();
     CancelAll();
-    stop_->Send();
+    m_stopEvent->Send();
 }
 
 LONG SendQueue::Add(std::unique_ptr<COutgoingMessage> message, bool useSmtpServer) {
@@ -64,12 +64,12 @@ LONG SendQueue::Add(std::unique_ptr<COutgoingMessage> message, bool useSmtpServe
 bool SendQueue::StartWorker() noexcept {
     {
         const std::lock_guard lock(workerLock_);
-        if (workerCount_ >= maxThreads_) return true;
-        ++workerCount_;
+        if (m_workerCount >= m_maxThreads) return true;
+        ++m_workerCount;
     }
     if (StartThread(&SendQueue::WorkerThread)) return true;
     const std::lock_guard lock(workerLock_);
-    --workerCount_;
+    --m_workerCount;
     return false;
 }
 
@@ -79,8 +79,8 @@ void SendQueue::SetMaxThreads(LONG maxThreads) noexcept {
     LONG missing;
     {
         const std::lock_guard lock(workerLock_);
-        maxThreads_ = std::max<LONG>(maxThreads, 1);
-        missing = maxThreads_ - workerCount_;
+        m_maxThreads = std::max<LONG>(maxThreads, 1);
+        missing = m_maxThreads - m_workerCount;
     }
     std::size_t queued;
     {
@@ -92,7 +92,7 @@ void SendQueue::SetMaxThreads(LONG maxThreads) noexcept {
 
 LONG SendQueue::maxThreads() const {
     const std::lock_guard lock(workerLock_);
-    return maxThreads_;
+    return m_maxThreads;
 }
 
 bool SendQueue::Read(LONG number, const std::function<void(const CSmtpMailHolder&)>& read) {
@@ -126,17 +126,22 @@ void SendQueue::CancelAll() noexcept {
         cancelled = table_.CancelAll();
     }
     for (const LONG number : cancelled) {
+        std::unique_ptr<COutgoingMessage> done;
+        {
+            const std::lock_guard lock(tableLock_);
+            done = std::move(table_.Find(number)->m_message);
+        }
         PostEvent(EventKind::StatusChange, number, MailStatusCanceled, 0);
     }
 }
 
 void SendQueue::PostEvent(EventKind kind, LONG messageNumber, LONG first, LONG second) noexcept {
-    events_.Post({kind, messageNumber, first, second});
+    m_eventQueue.Post({kind, messageNumber, first, second});
 }
 
 bool SendQueue::StartThread(void (SendQueue::*body)()) noexcept {
-    stop_->ThreadStarts();
-    auto run = [queue = shared_from_this(), stop = stop_, body]() mutable {
+    m_stopEvent->ThreadStarts();
+    auto run = [queue = shared_from_this(), stop = m_stopEvent, body]() mutable {
         {
             const Apartment apartment;
             (queue.get()->*body)();
@@ -148,7 +153,7 @@ bool SendQueue::StartThread(void (SendQueue::*body)()) noexcept {
         if (StartModuleThread(std::move(run))) return true;
     } catch (const std::bad_alloc&) {
     }
-    stop_->ThreadFailsToStart();
+    m_stopEvent->ThreadFailsToStart();
     return false;
 }
 

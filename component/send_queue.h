@@ -70,6 +70,7 @@ private:
     void EventThread();
     void WorkerThread();
     bool StayAsWorker(LONG needed) noexcept;
+    bool ReturnAsWorker() noexcept;
     CSmtpMailHolder* Take() noexcept;
     void SendQueued(const CSmtpMailHolder& holder, std::optional<CSmtpWrapper>& session) noexcept;
     SendOutcome Deliver(const CSmtpMailHolder& holder, CSmtpWrapper& session);
@@ -83,12 +84,12 @@ private:
     bool resting_ = false;  // nothing is taken any more
 
     mutable std::mutex workerLock_;
-    LONG workerCount_ = 0;
-    LONG maxThreads_ = 5;
+    LONG m_workerCount = 0;
+    LONG m_maxThreads = 5;
 
-    EventQueue events_;
+    EventQueue m_eventQueue;
     // Outlives the queue for a thread that tells it of its end.
-    const std::shared_ptr<StopSignal> stop_ = std::make_shared<StopSignal>();
+    const std::shared_ptr<StopSignal> m_stopEvent = std::make_shared<StopSignal>();
 };
 
 // The object's own hold on its queue.

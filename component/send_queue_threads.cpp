@@ -33,16 +33,15 @@ void CloseAfterException(std::optional<CSmtpWrapper>& session) noexcept {
 }  // namespace
 
 void SendQueue::EventThread() {
-    while (!stop_->WaitFor(kPace)) {
-        for (const PendingEvent& event : events_.TakeAll()) {
-            if (stop_->sent()) return;
-            stop_->CallBegins();
+    while (!m_stopEvent->WaitFor(kPace)) {
+        for (const PendingEvent& event : m_eventQueue.TakeAll()) {
+            if (!m_stopEvent->CallBegins()) return;
             if (event.kind == EventKind::StatusChange) {
                 listeners.FireStatusChange(event.messageNumber, event.first);
             } else {
                 listeners.FireProgress(event.messageNumber, event.first, event.second);
             }
-            stop_->CallEnds();
+            m_stopEvent->CallEnds();
         }
     }
 }
@@ -51,10 +50,10 @@ void SendQueue::WorkerThread() {
     // Made for the first message and kept for those that follow.
     std::optional<CSmtpWrapper> session;
     if (!StayAsWorker(maxThreads())) return;
-    while (!stop_->WaitFor(kPace)) {
+    while (!m_stopEvent->WaitFor(kPace)) {
         if (const CSmtpMailHolder* const holder = Take()) {
             SendQueued(*holder, session);
-        } else if (!StayAsWorker(1)) {
+        } else if (!StayAsWorker(1) && !ReturnAsWorker()) {
             return;
         }
     }
@@ -64,9 +63,21 @@ void SendQueue::WorkerThread() {
 // Counts the worker out when there are more than are needed.
 bool SendQueue::StayAsWorker(LONG needed) noexcept {
     const std::lock_guard lock(workerLock_);
-    if (workerCount_ <= needed) return true;
-    --workerCount_;
+    if (m_workerCount <= needed) return true;
+    --m_workerCount;
     return false;
+}
+
+// A message that was queued while the worker still counted may have brought none with it.
+bool SendQueue::ReturnAsWorker() noexcept {
+    {
+        const std::lock_guard lock(tableLock_);
+        if (table_.QueuedCount() == 0) return false;
+    }
+    const std::lock_guard lock(workerLock_);
+    if (m_workerCount >= m_maxThreads) return false;
+    ++m_workerCount;
+    return true;
 }
 
 // The holder stays where it is, and its copy is the worker's until Finish.
@@ -101,8 +112,7 @@ void SendQueue::SendQueued(const CSmtpMailHolder& holder,
 SendOutcome SendQueue::Deliver(const CSmtpMailHolder& holder, CSmtpWrapper& session) {
     const std::shared_ptr<const SmtpSettings> current = settings.Get();
     if (holder.m_useSmtpServer) return SendThroughRelay(*current, session, *holder.m_message);
-    session.m_spa = 0;
-    return SendDirect(*current, TlsStartTls, session, *holder.m_message);
+    return SendDirect({TlsStartTls, 0, current->senderHostname}, session, *holder.m_message);
 }
 
 bool SendQueue::IsCancelRequested(LONG number) noexcept {

@@ -50,8 +50,8 @@ HRESULT CSmtpMail::SendCore(COutgoingMessage& message, bool useSmtpServer, BSTR*
     if (useSmtpServer) {
         lastError_ = SendThroughRelay(*settings, session, message);
     } else {
-        session.m_spa = 1;  // without a user name it has no effect
-        lastError_ = SendDirect(*settings, TlsNone, session, message);
+        // Without a user name, willingness to use NTLM has no effect.
+        lastError_ = SendDirect({TlsNone, 1, settings->senderHostname}, session, message);
     }
     if (lastError_.code != 0 && errorMessage) ToBstr(lastError_.text, errorMessage);
     if (errorCode) *errorCode = lastError_.code;

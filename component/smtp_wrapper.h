@@ -13,6 +13,7 @@ class SendQueue;
 class CSmtpWrapper final : public CSmtp {
 public:
     explicit CSmtpWrapper(SendQueue& mail);
+    ~CSmtpWrapper() override { Close(); }  // while it can still be asked
 
     void Bind(LONG messageNumber) { m_messageNumber = messageNumber; }
     void Unbind() { m_messageNumber = kUnbound; }

@@ -52,8 +52,14 @@ public:
         }
         Count(-1, 0);
     }
-    // A thread calls somebody else's code, which returns when it likes.
-    void CallBegins() { Count(0, 1); }
+    // A thread is about to call somebody else's code, which returns when it likes. False once the
+    // signal is sent: nobody is called any more.
+    bool CallBegins() {
+        const std::lock_guard lock(mutex_);
+        if (sent_) return false;
+        ++calls_;
+        return true;
+    }
     void CallEnds() { Count(0, -1); }
 
     // Until every thread has gone or is in such a call, at most that long. Gone altogether, since

@@ -36,6 +36,7 @@ int ConnectToFirst(const std::list<MxHost>& servers, const DirectSettings& setti
         session.m_user.clear();
         session.m_password.clear();
         session.m_domain.clear();
+        session.m_spa = settings.spa;
         session.m_port = htons(static_cast<USHORT>(server.port));
         if (!settings.senderHostname.empty()) {
             session.m_heloHost = settings.senderHostname;

@@ -20,9 +20,10 @@ struct DomainGroup {
 // at sign belong to none.
 void GroupRecipientsByDomain(const COutgoingMessage& message, std::vector<DomainGroup>& groups);
 
-// What a direct delivery takes from the settings of the sender.
+// What a direct delivery sets in the session for each exchanger.
 struct DirectSettings {
     TlsMode mode = TlsNone;
+    LONG spa = 0;               // m_spa
     WideString senderHostname;  // announced in EHLO; empty leaves the session's own
 };
 
@@ -33,7 +34,8 @@ struct DirectSettings {
 // 0 when all domains have it, also when there was none. Otherwise the first failure: the code of
 // the session (see CSmtp), or -1 for a failed look-up, with its words in `errorText`. Later domains
 // are not tried then; earlier ones have the message. The connection may still be open: the caller
-// closes it. Of the session's settings, account, port and the host name are changed. Throws
+// closes it. Of the session's settings, account, m_spa, port and the host name are
+// changed. Throws
 // std::bad_alloc.
 int DeliverDirect(COutgoingMessage& message, const DirectSettings& settings, CSmtp& session,
                   WideString& errorText);

@@ -1,6 +1,7 @@
 #include "smtp/session.h"
 
 #include <array>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -293,13 +294,18 @@ int CSmtp::Quit() {
         return 0;
     }
     m_greeted = false;
+    m_connection.PostponeLook();
     const int reply = SendCommand(WriteCommand("QUIT\r\n"));
     return reply == 221 ? 0 : reply;
 }
 
 void CSmtp::Close() {
     if (m_connection.IsOpen()) {
-        Quit();
+        try {
+            Quit();
+        } catch (const std::bad_alloc&) {
+            // What has been sent stays sent, whether or not there is memory for the farewell.
+        }
         m_connection.Close();
     }
     m_secureChannel.Release();

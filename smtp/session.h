@@ -25,8 +25,9 @@ enum TlsMode {
 
 // Operations return 0 for success, the server's reply code (three digits) when the server refused,
 // -1 for a failure whose words are in the error text, or -2 when they were interrupted. After a
-// refusal the connection is sound and Close says QUIT; after -1 and -2 its state is unknown and
-// Close just closes. Used by one thread at a time; every operation blocks. Throws std::bad_alloc.
+// refusal, and when an operation was interrupted before it began, the connection is sound and Close
+// says QUIT; otherwise its state is unknown and Close just closes. Used by one thread at a time;
+// every operation blocks. Throws std::bad_alloc.
 class CSmtp {
 public:
     // Takes the computer's name as m_heloHost. Operations that begin, and waits of those that run,

@@ -86,6 +86,9 @@ public:
     // Number of the error of the last operation that Failed.
     int error() const { return m_error; }
     // What the interrupt function says now, and whether it has ended a wait since the last Close.
+    // Asks for an interruption no sooner than after the usual time: what can be done at once is
+    // done.
+    void PostponeLook() { m_sinceLook = Stopwatch(); }
     bool IsInterrupted() const { return m_isInterrupted && m_isInterrupted(); }
     bool wasInterrupted() const { return m_wasInterrupted; }
 

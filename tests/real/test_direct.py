@@ -188,6 +188,21 @@ class DirectTest(SendTest):
         self.assertEqual((outcome["code"], outcome["text"]), (550, "550 no such user here"))
         self.assertEqual(self.delivered(), [(MX1, ["a@one.test"])])
 
+    # The worker's session goes from the messages of one domain to those of another.
+    def test_queue_delivers_directly(self):
+        for recipient, status in (("a@one.test", 0), ("b@null.test", 1)):
+            done = self.inside.run("--direct", "--async", "--count", "2", "--threads", "1",
+                                   "--from", "sender@example.test", "--to", recipient,
+                                   "--helo", "me.test", "--json")
+            self.assertEqual(done.returncode, status, done.stdout + done.stderr)
+            outcomes = [json.loads(line) for line in done.stdout.splitlines()]
+            self.assertEqual([(outcome["code"], outcome["text"]) for outcome in outcomes],
+                             2 * [(-1, "Domain 'null.test' doesn't accept mail") if status
+                                  else (0, "")])
+        self.assertEqual([(envelope["server"], envelope["helo"], envelope["to"])
+                          for envelope, _ in self.catcher.messages()],
+                         2 * [(MX1, "me.test", ["a@one.test"])])
+
     # Whatever comes from the own resolver: the public ones know better, after a bounded time.
     def test_bad_answers(self):
         # Wine's client waits for ever for an answer over TCP.

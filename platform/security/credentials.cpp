@@ -47,8 +47,9 @@ Settings MakeClientSettings(DWORD protocols) {
 
 class Cache {
 public:
-    // OpenSSL must outlive what it holds.
-    Cache() { OPENSSL_init_ssl(0, nullptr); }
+    // A program may end while threads of ours are in a dialogue: neither OpenSSL nor this may go
+    // then.
+    Cache() { OPENSSL_init_ssl(OPENSSL_INIT_NO_ATEXIT, nullptr); }
 
     SSL_CTX* Share(DWORD protocols) {
         const std::lock_guard lock(m_mutex);
@@ -66,7 +67,7 @@ private:
 }  // namespace
 
 SSL_CTX* ShareClientSettings(DWORD protocols) {
-    static Cache cache;
+    static Cache& cache = *new Cache;
     return cache.Share(protocols);
 }
 

@@ -8,31 +8,42 @@
 
 #include "mime/boundary.h"
 #include "mime/unique_stamp.h"
+#include "tests/mime/composing.h"
 
 namespace quorvane {
 namespace {
 
-TEST(UniqueStamp, DiffersOnThreadsThatAreSeededAlike) {
-    constexpr std::size_t kThreads = 4, kStamps = 50000;
-    std::vector<std::vector<ULONGLONG>> drawn(kThreads);
+// What stands behind each occurrence of the words, up to the delimiter.
+void Collect(const std::string& text, std::string_view words, char end,
+             std::vector<std::string>& found) {
+    for (std::size_t at = 0; (at = text.find(words, at)) != std::string::npos;) {
+        at += words.size();
+        found.push_back(text.substr(at, text.find(end, at) - at));
+    }
+}
+
+TEST(UniqueStamp, NoTwoMessagesShareAnIdentifierOrABoundary) {
+    constexpr std::size_t kThreads = 8, kMessages = 10000;
+    std::vector<std::vector<std::string>> found(kThreads);
     std::vector<std::thread> threads;
-    for (auto& own : drawn) {
+    for (auto& own : found) {
         threads.emplace_back([&own] {
-            SeedThreadGenerator(4711);
-            own.reserve(kStamps);
-            for (std::size_t i = 0; i < kStamps; ++i) {
-                const UniqueStamp stamp = NextStamp();
-                EXPECT_LT(stamp.random, 1u << 15);
-                own.push_back(ULONGLONG{stamp.tick} << 32 | stamp.random);
+            SeedThreadGenerator(4711);  // alike on all of them
+            COutgoingMessage sample = SampleRecord();
+            sample.messageId.clear();
+            sample.bodyParts = {TextBody(OLESTR("a")), TextBody(OLESTR("b"))};
+            for (std::size_t i = 0; i < kMessages; ++i) {
+                COutgoingMessage message = sample;
+                const std::string text = Compose(message);
+                Collect(text, "Message-ID: <", '>', own);
+                Collect(text, "boundary=\"", '"', own);
             }
         });
     }
     for (std::thread& thread : threads) thread.join();
-    std::vector<ULONGLONG> all;
-    for (const auto& own : drawn) {
-        EXPECT_TRUE(std::is_sorted(own.begin(), own.end()));
-        all.insert(all.end(), own.begin(), own.end());
-    }
+    std::vector<std::string> all;
+    for (const auto& own : found) all.insert(all.end(), own.begin(), own.end());
+    EXPECT_EQ(all.size(), 2 * kThreads * kMessages);
     std::sort(all.begin(), all.end());
     EXPECT_EQ(std::adjacent_find(all.begin(), all.end()), all.end());
 }

@@ -1,9 +1,12 @@
 #include "cli/progress.h"
 
 #include <cstdio>
+#include <vector>
 
 namespace quorvane::cli {
 namespace {
+
+constexpr std::size_t kWidth = 79;
 
 std::string WithOneDecimal(double value) {
     char text[32];
@@ -21,21 +24,30 @@ std::string Duration(double seconds) {
 }  // namespace
 
 std::string ProgressLine(const Progress& progress) {
-    const int ended = progress.sent + progress.failed;
-    const int left = progress.count - ended;
-    std::string line = std::to_string(progress.sent) + " sent, " + std::to_string(progress.failed) +
-                       " failed, " + std::to_string(left) + " queued";
+    const int left = progress.count - progress.ended();
+    std::vector<std::string> pieces{std::to_string(progress.sent) + " sent",
+                                    std::to_string(progress.failed) + " failed"};
+    if (progress.cancelled > 0) {
+        pieces.push_back(std::to_string(progress.cancelled) + " cancelled");
+    }
+    pieces.push_back(std::to_string(left) + " queued");
     const double seconds = static_cast<double>(progress.elapsed.count()) / 1000;
-    if (ended > 0 && seconds > 0) {
-        const double rate = ended / seconds;
-        line += ", " + WithOneDecimal(rate) + "/s";
-        if (left > 0) line += ", " + Duration(left / rate) + " left";
+    if (progress.ended() > 0 && seconds > 0) {
+        const double rate = progress.ended() / seconds;
+        pieces.push_back(WithOneDecimal(rate) + "/s");
+        if (left > 0) pieces.push_back(Duration(left / rate) + " left");
     }
     if (progress.bytesTotal > 0) {
         constexpr double kMegabyte = 1e6;
-        line += ", " + WithOneDecimal(static_cast<double>(progress.bytesSent) / kMegabyte) +
-                " of " + WithOneDecimal(static_cast<double>(progress.bytesTotal) / kMegabyte) +
-                " MB";
+        pieces.push_back(
+            WithOneDecimal(static_cast<double>(progress.bytesSent) / kMegabyte) + " of " +
+            WithOneDecimal(static_cast<double>(progress.bytesTotal) / kMegabyte) + " MB");
+    }
+    std::string line;
+    for (const std::string& piece : pieces) {
+        if (line.size() + piece.size() + 2 > kWidth) break;
+        if (!line.empty()) line += ", ";
+        line += piece;
     }
     return line;
 }

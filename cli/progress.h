@@ -10,13 +10,17 @@ struct Progress {
     int count = 0;  // messages in all
     int sent = 0;
     int failed = 0;
+    int cancelled = 0;
     std::chrono::milliseconds elapsed{0};
     long long bytesSent = 0;  // of the messages in flight that are told of
     long long bytesTotal = 0;
+
+    int ended() const { return sent + failed + cancelled; }
 };
 
 // One line without its end, at most 79 characters: "12 sent, 1 failed, 87 queued, 20/s, 5 s left,
-// 1.2 of 3.4 MB". Rate and time are left out until there is something to tell.
+// 1.2 of 3.4 MB". Rate and time are left out until there is something to tell, and what doesn't fit
+// is left off the end.
 std::string ProgressLine(const Progress& progress);
 
 }  // namespace quorvane::cli

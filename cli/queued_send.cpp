@@ -21,7 +21,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds kGlance{50};
 constexpr int kLinesWithoutTerminal = 10;
 // Messages that are queued ahead, so that no worker is without work between two glances.
-constexpr std::size_t kQueuedAhead = 1000;
+constexpr std::size_t kQueuedAhead = 1000;  // at least, and two for each worker
 
 // The user's view: one line that is written over and over on a terminal, a line now and then
 // elsewhere.
@@ -31,7 +31,7 @@ public:
         : wanted_(!options.quiet && !options.json), onTerminal_(system::OutputIsTerminal()) {}
 
     void Show(const Progress& progress) {
-        const int ended = progress.sent + progress.failed;
+        const int ended = progress.ended();
         if (!wanted_) return;
         if (onTerminal_) {
             const std::string line = ProgressLine(progress);
@@ -69,7 +69,8 @@ public:
         : options_(options),
           mail_(std::move(mail)),
           message_(std::move(message)),
-          display_(options) {
+          display_(options),
+          queuedAhead_(std::max(kQueuedAhead, 2 * static_cast<std::size_t>(options.threads))) {
         progress_.count = options.count;
         Check(mail_->put_MaxThreads(options.threads), mail_);
     }
@@ -79,7 +80,8 @@ public:
         const client::EventListener listener(
             mail_, [](LONG, MailStatus) {},
             [this](LONG number, LONG sent, LONG total) {
-                inFlight_[number] = {sent, total};
+                // An event may come after its message has been told of.
+                if (unfinished_.contains(number)) inFlight_[number] = {sent, total};
             });
         for (bool more = true; more; more = !interrupted_ || !unfinished_.empty()) {
             TakeInterrupt();
@@ -87,7 +89,7 @@ public:
             client::TakeMessages(kGlance);
             CollectEnded();
             ShowProgress();
-            if (progress_.sent + progress_.failed == progress_.count) break;
+            if (progress_.ended() == progress_.count) break;
         }
         display_.Clear();
         TellTheEnd();
@@ -102,7 +104,7 @@ private:
     }
 
     void QueueMore() {
-        while (!interrupted_ && queued_ < options_.count && unfinished_.size() < kQueuedAhead) {
+        while (!interrupted_ && queued_ < options_.count && unfinished_.size() < queuedAhead_) {
             LONG number = 0;
             ++queued_;
             try {
@@ -110,7 +112,8 @@ private:
                 Check(mail_->SendAsync(message_, useServer, &number), mail_);
                 unfinished_.insert(number);
             } catch (const client::Error& error) {
-                if (error.status() == E_INVALIDARG) throw UsageError(error.what());
+                // Refused at the first time, it would be at every other.
+                if (error.status() == E_INVALIDARG && queued_ == 1) throw UsageError(error.what());
                 Tell(0, MailStatusFailed, {-1, error.what()});
             }
         }
@@ -138,6 +141,8 @@ private:
     void Tell(LONG number, MailStatus status, const Outcome& outcome) {
         if (status == MailStatusSent) {
             ++progress_.sent;
+        } else if (status == MailStatusCanceled) {
+            ++progress_.cancelled;
         } else {
             ++progress_.failed;
         }
@@ -179,6 +184,7 @@ private:
     Display display_;
     Progress progress_;
     const Clock::time_point start_ = Clock::now();
+    const std::size_t queuedAhead_;
     int queued_ = 0;
     bool interrupted_ = false;
     std::set<LONG> unfinished_;

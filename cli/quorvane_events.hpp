@@ -48,6 +48,7 @@ public:
     STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
         const bool known = iid == __uuidof(IUnknown) || iid == __uuidof(IDispatch) ||
                            iid == __uuidof(_ISmtpMailEvents);
+        if (!out) return E_POINTER;
         *out = known ? static_cast<IDispatch*>(this) : nullptr;
         if (known) AddRef();
         return known ? S_OK : E_NOINTERFACE;
@@ -66,15 +67,17 @@ public:
     STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
         return E_NOTIMPL;
     }
-    // The arguments come last one first.
+    // The arguments come last one first. The function is a copy: it may end its own listener.
     STDMETHODIMP Invoke(DISPID event, REFIID, LCID, WORD, DISPPARAMS* with, VARIANT*, EXCEPINFO*,
                         UINT*) override {
         const VARIANTARG* values = with->rgvarg;
         try {
             if (event == 1 && with->cArgs == 2 && onStatus_) {
-                onStatus_(values[1].lVal, static_cast<MailStatus>(values[0].lVal));
+                const StatusFunction onStatus = onStatus_;
+                onStatus(values[1].lVal, static_cast<MailStatus>(values[0].lVal));
             } else if (event == 2 && with->cArgs == 3 && onProgress_) {
-                onProgress_(values[2].lVal, values[1].lVal, values[0].lVal);
+                const ProgressFunction onProgress = onProgress_;
+                onProgress(values[2].lVal, values[1].lVal, values[0].lVal);
             }
             return S_OK;
         } catch (...) {

@@ -32,15 +32,19 @@ TEST(Output, ProgressFitsALineAndSaysOnlyWhatIsKnown) {
         Progress progress;
         const char* line;
     } cases[] = {
-        {{100, 0, 0, milliseconds(0), 0, 0}, "0 sent, 0 failed, 100 queued"},
-        {{100, 0, 0, milliseconds(900), 8192, 3'400'000},
+        {{100, 0, 0, 0, milliseconds(0), 0, 0}, "0 sent, 0 failed, 100 queued"},
+        {{100, 0, 0, 0, milliseconds(900), 8192, 3'400'000},
          "0 sent, 0 failed, 100 queued, 0.0 of 3.4 MB"},
-        {{100, 10, 2, milliseconds(600), 0, 0}, "10 sent, 2 failed, 88 queued, 20/s, 4 s left"},
-        {{100, 1, 0, milliseconds(90'000), 0, 0}, "1 sent, 0 failed, 99 queued, 0.0/s, 2 h left"},
-        {{1000, 1, 0, milliseconds(500), 0, 0}, "1 sent, 0 failed, 999 queued, 2.0/s, 8 min left"},
-        {{3, 2, 1, milliseconds(1000), 0, 0}, "2 sent, 1 failed, 0 queued, 3.0/s"},
-        {{1'000'000, 0, 999'999, milliseconds(86'400'000), 2'000'000'000, 2'000'000'000},
+        {{100, 10, 2, 0, milliseconds(600), 0, 0}, "10 sent, 2 failed, 88 queued, 20/s, 4 s left"},
+        {{100, 1, 0, 0, milliseconds(90'000), 0, 0},
+         "1 sent, 0 failed, 99 queued, 0.0/s, 2 h left"},
+        {{1000, 1, 0, 0, milliseconds(500), 0, 0},
+         "1 sent, 0 failed, 999 queued, 2.0/s, 8 min left"},
+        {{3, 2, 1, 0, milliseconds(1000), 0, 0}, "2 sent, 1 failed, 0 queued, 3.0/s"},
+        {{1'000'000, 0, 999'999, 0, milliseconds(86'400'000), 2'000'000'000, 2'000'000'000},
          "0 sent, 999999 failed, 1 queued, 12/s, 0 s left, 2000 of 2000 MB"},
+        {{1'000'000, 333'333, 333'333, 333'333, milliseconds(86'400'000), 1, 2'000'000'000},
+         "333333 sent, 333333 failed, 333333 cancelled, 1 queued, 12/s, 0 s left"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(ProgressLine(c.progress), c.line);

@@ -5,19 +5,25 @@
 #include "automation/boundary.h"
 #include "automation/module.h"
 #include "server/class_factory.h"
+#include "server/proxies.h"
 #include "server/registration.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
-    if (reason == DLL_PROCESS_ATTACH) quorvane::ModuleAttach(instance);
+    if (reason == DLL_PROCESS_ATTACH) {
+        quorvane::ModuleAttach(instance);
+        quorvane::AttachProxies();
+    }
     return TRUE;
 }
 
 STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, LPVOID* out) {
-    return quorvane::GetClassFactory(clsid, iid, out);
+    const HRESULT hr = quorvane::GetProxyFactory(clsid, iid, out);
+    return hr == S_OK ? hr : quorvane::GetClassFactory(clsid, iid, out);
 }
 
 STDAPI DllCanUnloadNow() {
-    return quorvane::ModuleCanUnload() ? S_OK : S_FALSE;
+    const bool isUnused = quorvane::ProxiesCanUnload() && quorvane::ModuleCanUnload();
+    return isUnused ? S_OK : S_FALSE;
 }
 
 STDAPI DllRegisterServer() {

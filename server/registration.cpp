@@ -8,7 +8,9 @@
 #include "automation/module.h"
 #include "automation/wide_string.h"
 #include "server/classes.h"
+#include "server/proxies.h"
 #include "server/registry_entries.h"
+#include "server/registry_writer.h"
 
 namespace quorvane {
 namespace {
@@ -36,28 +38,6 @@ HRESULT StatusOf(LSTATUS error) {
     return error == ERROR_SUCCESS ? S_OK : HRESULT_FROM_WIN32(static_cast<DWORD>(error));
 }
 
-HRESULT Write(const RegistryEntry& entry) {
-    HKEY key = nullptr;
-    LSTATUS error = RegCreateKeyExW(HKEY_CLASSES_ROOT, entry.key.c_str(), 0, nullptr,
-                                    REG_OPTION_NON_VOLATILE, KEY_WRITE, nullptr, &key, nullptr);
-    if (error != ERROR_SUCCESS) return StatusOf(error);
-    if (entry.data) {
-        const auto size = static_cast<DWORD>((entry.data->size() + 1) * sizeof(WCHAR));
-        error = RegSetValueExW(key, entry.name, 0, REG_SZ,
-                               reinterpret_cast<const BYTE*>(entry.data->c_str()), size);
-    }
-    RegCloseKey(key);
-    return StatusOf(error);
-}
-
-HRESULT WriteAll(const RegistryEntries& entries) {
-    for (const RegistryEntry& entry : entries) {
-        const HRESULT hr = Write(entry);
-        if (FAILED(hr)) return hr;
-    }
-    return S_OK;
-}
-
 HRESULT RemoveTree(const WideString& key) {
     const LSTATUS error = RegDeleteTreeW(HKEY_CLASSES_ROOT, key.c_str());
     return error == ERROR_FILE_NOT_FOUND ? S_OK : StatusOf(error);
@@ -72,15 +52,15 @@ bool KeyExists(const WideString& name) {
     return true;
 }
 
-HRESULT RegisterTypeLibrary(const WideString& module) {
-    ComPtr<ITypeLib> library;
-    return LoadTypeLibEx(module.c_str(), REGKIND_REGISTER, library.Receive());
+// Of all versions.
+WideString TypeLibraryRoot() {
+    return OLESTR("TypeLib\\") + GuidText(LIBID_QuorvaneLib);
 }
 
 WideString TypeLibraryKey(const TLIBATTR& library) {
     const std::string place =
         fmt::format("\\{:x}.{:x}\\{:x}", library.wMajorVerNum, library.wMinorVerNum, library.lcid);
-    return OLESTR("TypeLib\\") + GuidText(library.guid) + WidenBytes(place);
+    return TypeLibraryRoot() + WidenBytes(place);
 }
 
 HRESULT UnregisterTypeLibrary(const WideString& module) {
@@ -100,19 +80,40 @@ HRESULT UnregisterTypeLibrary(const WideString& module) {
     return hr;
 }
 
+// The type library, then the proxies. When one fails, both are taken back, or the library is left
+// to `writer` if there was a version of it before.
+HRESULT RegisterInterfaces(const WideString& module, RegistryWriter& writer) {
+    const bool isNew = !KeyExists(TypeLibraryRoot());
+    for (const WCHAR* place : {OLESTR("\\1.0\\409\\win64"), OLESTR("\\1.0\\HELPDIR")}) {
+        writer.Protect(TypeLibraryRoot() + place);
+    }
+    ComPtr<ITypeLib> library;
+    HRESULT hr = LoadTypeLibEx(module.c_str(), REGKIND_REGISTER, library.Receive());
+    if (SUCCEEDED(hr)) hr = RegisterProxies();
+    if (FAILED(hr) && isNew) {
+        UnregisterTypeLibrary(module);
+        UnregisterProxies();
+        RemoveTree(TypeLibraryRoot());
+    }
+    return hr;
+}
+
 }  // namespace
 
 HRESULT RegisterServer() {
     const SystemLocale locale;
     const WideString module = ModulePath();
     if (module.empty()) return HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND);
-    HRESULT hr = WriteAll(ApplicationEntries());
+    RegistryWriter writer;
+    HRESULT hr = writer.Write(ApplicationEntries());
     for (const CreatableClass& registered : kClasses) {
         if (FAILED(hr)) return hr;
-        hr = WriteAll(ClassEntries(
+        hr = writer.Write(ClassEntries(
             registered, {GuidText(*registered.clsid), GuidText(LIBID_QuorvaneLib), module}));
     }
-    return FAILED(hr) ? hr : RegisterTypeLibrary(module);
+    if (SUCCEEDED(hr)) hr = RegisterInterfaces(module, writer);
+    if (SUCCEEDED(hr)) writer.Keep();
+    return hr;
 }
 
 HRESULT UnregisterServer() {
@@ -127,6 +128,7 @@ HRESULT UnregisterServer() {
         }
     }
     keep(UnregisterTypeLibrary(ModulePath()));
+    keep(UnregisterProxies());
     return first;
 }
 

@@ -2,17 +2,25 @@
 #include <windows.h>
 #include <olectl.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
+#include "automation/wide_string.h"
+#include "tests/server/library_copy.h"
 #include "tests/server/registry_sandbox.h"
 #include "tests/server/registry_text.h"
+#include "tests/support/scratch_folder.h"
 
 namespace quorvane {
 namespace {
 
 constexpr const char* kServerKey = "CLSID\\{DD535C98-F63E-476F-BF8B-E508C7DAD21F}\\InprocServer32";
+constexpr const char* kToolboxKey =
+    "CLSID\\{DD535C98-F63E-476F-BF8B-E508C7DAD21F}\\ToolboxBitmap32";
+constexpr const char* kLibraryKey =
+    "TypeLib\\{2C77ADD0-DAF1-477C-BBAD-97775DD7A5BC}\\1.0\\409\\win64";
 
 class RegistrationTest : public testing::Test {
 protected:
@@ -29,12 +37,84 @@ protected:
         }
     }
 
+    static void MakeKey(const std::string& name) {
+        HKEY key = nullptr;
+        EXPECT_EQ(RegCreateKeyExW(HKEY_CLASSES_ROOT, WidenBytes(name).c_str(), 0, nullptr,
+                                  REG_OPTION_NON_VOLATILE, KEY_WRITE, nullptr, &key, nullptr),
+                  ERROR_SUCCESS);
+        RegCloseKey(key);
+    }
+
     RegistrySandbox sandbox_;
 };
 
 TEST_F(RegistrationTest, WritesEveryKeyAndValue) {
     ASSERT_EQ(DllRegisterServer(), S_OK);
     ExpectRegistered();
+}
+
+// The one that is loaded from the place with an ordinary name.
+std::filesystem::path LibraryPath() {
+    EXPECT_EQ(DllRegisterServer(), S_OK);
+    const std::filesystem::path path = ReadValue(kServerKey, "").value_or("");
+    EXPECT_EQ(DllUnregisterServer(), S_OK);
+    return path;
+}
+
+std::string Utf8(const std::filesystem::path& path) {
+    const std::u8string text = path.u8string();
+    return std::string(text.begin(), text.end());
+}
+
+TEST_F(RegistrationTest, WorksFromAnyPlace) {
+    const ScratchFolder scratch;
+    const LibraryCopy copy(LibraryPath(),
+                           scratch.path() / u8"Käse & Brot, %PATH%" / u8"почта 邮件");
+    ASSERT_EQ(copy.Call("DllRegisterServer"), S_OK);
+    const std::string module = Utf8(copy.path());
+    EXPECT_EQ(ReadValue(kServerKey, ""), module);
+    EXPECT_EQ(ReadValue(kToolboxKey, ""), module + ", 201");
+    EXPECT_THAT(ReadValue(kLibraryKey, ""), testing::Optional(testing::EndsWith(module)));
+    EXPECT_EQ(copy.Call("DllUnregisterServer"), S_OK);
+    EXPECT_FALSE(KeyExists(kServerKey));
+}
+
+TEST_F(RegistrationTest, LeavesTheLocaleOfTheThreadAlone) {
+    constexpr LCID kGerman = 0x407;
+    const LCID before = GetThreadLocale();
+    SetThreadLocale(kGerman);
+    EXPECT_EQ(DllRegisterServer(), S_OK);
+    EXPECT_EQ(GetThreadLocale(), kGerman);
+    EXPECT_EQ(DllUnregisterServer(), S_OK);
+    EXPECT_EQ(GetThreadLocale(), kGerman);
+    SetThreadLocale(before);
+}
+
+TEST_F(RegistrationTest, TakesBackWhatItHasWrittenWhenAWriteFails) {
+    const ScratchFolder scratch;
+    const std::filesystem::path folder =
+        scratch.path() / std::string(200, 'x') / std::string(30, 'y');
+    const LibraryCopy copy(LibraryPath(), folder);
+    for (const char* root : {"AppID", "CLSID", "Interface", "TypeLib"}) MakeKey(root);
+    for (const bool isRegistered : {false, true}) {
+        SCOPED_TRACE(isRegistered ? "registered from another place" : "not registered");
+        if (isRegistered) {
+            ASSERT_EQ(DllRegisterServer(), S_OK);
+        }
+        const std::string before = sandbox_.Contents();
+        int failures = 0;
+        HRESULT hr = E_FAIL;
+        while (FAILED(hr) && sandbox_.Hinder(failures)) {
+            hr = copy.Call("DllRegisterServer");
+            sandbox_.Unhinder();
+            if (SUCCEEDED(hr)) break;
+            EXPECT_EQ(sandbox_.Contents(), before) << "step " << failures;
+            ++failures;
+        }
+        if (!isRegistered) {
+            EXPECT_GE(failures, 4);
+        }
+    }
 }
 
 TEST_F(RegistrationTest, MayBeRepeated) {
@@ -46,13 +126,8 @@ TEST_F(RegistrationTest, MayBeRepeated) {
 TEST_F(RegistrationTest, RemovesItsClassesWholeAndKeepsWhatIsShared) {
     ASSERT_EQ(DllRegisterServer(), S_OK);
     const auto lines = ReviewedRegistry("");
-    HKEY below = nullptr;  // as a tool of the user's may have added
-    ASSERT_EQ(
-        RegCreateKeyExW(HKEY_CLASSES_ROOT,
-                        OLESTR("CLSID\\{DD535C98-F63E-476F-BF8B-E508C7DAD21F}\\Notes\\Own"), 0,
-                        nullptr, REG_OPTION_NON_VOLATILE, KEY_WRITE, nullptr, &below, nullptr),
-        ERROR_SUCCESS);
-    RegCloseKey(below);
+    // As a tool of the user's may have added.
+    MakeKey("CLSID\\{DD535C98-F63E-476F-BF8B-E508C7DAD21F}\\Notes\\Own");
 
     ASSERT_EQ(DllUnregisterServer(), S_OK);
     for (const RegistryLine& line : lines) {

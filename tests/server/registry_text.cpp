@@ -2,6 +2,8 @@
 
 #include <fstream>
 
+#include "automation/wide_string.h"
+
 namespace quorvane {
 namespace {
 
@@ -9,12 +11,6 @@ using Wide = std::basic_string<WCHAR>;
 
 Wide Widen(std::string_view text) {
     return Wide(text.begin(), text.end());
-}
-
-std::string Narrow(const Wide& text) {
-    std::string narrow;
-    for (const WCHAR unit : text) narrow += static_cast<char>(unit);
-    return narrow;
 }
 
 std::string Replace(std::string text, std::string_view what, std::string_view with) {
@@ -76,7 +72,7 @@ std::optional<std::string> ReadValue(std::string_view key, std::string_view name
                                            reinterpret_cast<BYTE*>(buffer), &size);
     RegCloseKey(opened);
     if (error != ERROR_SUCCESS || type != REG_SZ) return std::nullopt;
-    return Narrow(buffer);
+    return ToUtf8(buffer);
 }
 
 }  // namespace quorvane

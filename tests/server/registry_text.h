@@ -21,7 +21,7 @@ std::vector<RegistryLine> ReviewedRegistry(const std::string& module);
 
 std::string TextOf(const RegistryLine& line);
 
-// Read below HKEY_CLASSES_ROOT; all text here is ASCII.
+// Read below HKEY_CLASSES_ROOT. Names of keys and values are ASCII, what is read is UTF-8.
 bool KeyExists(std::string_view key);
 std::optional<std::string> ReadValue(std::string_view key, std::string_view name);
 

@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "tests/server/registry_sandbox.h"
 #include "tests/server/registry_text.h"
 
@@ -16,40 +18,25 @@ using testing::EndsWith;
 using testing::Optional;
 using testing::UnorderedElementsAreArray;
 
-constexpr DWORD kLongest = 512;
 constexpr const char* kLibrary = "TypeLib\\{2C77ADD0-DAF1-477C-BBAD-97775DD7A5BC}";
 
-// The keys without values and subkeys, and all values, below a key.
-void Append(HKEY parent, const std::string& path, std::vector<std::string>& out) {
-    char name[kLongest];
-    char data[kLongest];
-    const std::size_t before = out.size();
-    DWORD nameSize = kLongest;
-    DWORD dataSize = kLongest;
-    for (DWORD index = 0; RegEnumValueA(parent, index, name, &nameSize, nullptr, nullptr,
-                                        reinterpret_cast<BYTE*>(data), &dataSize) == ERROR_SUCCESS;
-         ++index, nameSize = kLongest, dataSize = kLongest) {
-        out.push_back(TextOf({path, name, std::string(data)}));
-    }
-    nameSize = kLongest;
-    for (DWORD index = 0; RegEnumKeyExA(parent, index, name, &nameSize, nullptr, nullptr, nullptr,
-                                        nullptr) == ERROR_SUCCESS;
-         ++index, nameSize = kLongest) {
-        HKEY child = nullptr;
-        ASSERT_EQ(RegOpenKeyExA(parent, name, 0, KEY_READ, &child), ERROR_SUCCESS);
-        Append(child, path.empty() ? name : path + "\\" + name, out);
-        RegCloseKey(child);
-    }
-    if (out.size() == before && !path.empty()) out.push_back(path);
-}
+constexpr const char* kProxies = "CLSID\\{CC0ACE55-4E2E-4C0C-8234-2D3EF46E3F5C}";
+constexpr const char* kDualInterfaces[] = {
+    "{34607EDA-3968-4C5B-A472-7BAF4435C7B4}",
+    "{CC0ACE55-4E2E-4C0C-8234-2D3EF46E3F5C}",
+    "{DC0D529B-D7E7-4F48-9DB8-54ECECEDDD60}",
+    "{8E065787-BC79-4415-AEE6-D8EE15AEA9D6}",
+};
 
 // Everything but what the system itself writes for a type library and its interfaces.
-std::vector<std::string> WholeRegistry() {
+std::vector<std::string> WholeRegistry(const RegistrySandbox& sandbox) {
     std::vector<std::string> lines;
-    Append(HKEY_CLASSES_ROOT, "", lines);
-    std::erase_if(lines, [](const std::string& line) {
-        return line.starts_with("Interface") || _strnicmp(line.c_str(), "TypeLib", 7) == 0;
-    });
+    std::istringstream all(sandbox.Contents());
+    for (std::string line; std::getline(all, line);) {
+        const bool isSystems =
+            line.starts_with("Interface") || _strnicmp(line.c_str(), "TypeLib", 7) == 0;
+        if (!isSystems) lines.push_back(line);
+    }
     return lines;
 }
 
@@ -61,11 +48,20 @@ TEST(WholeRegistryTest, HoldsWhatWasReviewedAndTheTypeLibrary) {
     ASSERT_TRUE(module);
     std::vector<std::string> expected;
     for (const RegistryLine& line : ReviewedRegistry(*module)) expected.push_back(TextOf(line));
-    EXPECT_THAT(WholeRegistry(), UnorderedElementsAreArray(expected));
+    const std::string server = std::string(kProxies) + "\\InProcServer32";
+    expected.push_back(TextOf({kProxies, "", "PSFactoryBuffer"}));
+    expected.push_back(TextOf({server, "", *module}));
+    expected.push_back(TextOf({server, "ThreadingModel", "Both"}));
+    EXPECT_THAT(WholeRegistry(sandbox), UnorderedElementsAreArray(expected));
 
     const std::string version = std::string(kLibrary) + "\\1.0";
     EXPECT_EQ(ReadValue(version, ""), "Quorvane 4.1 Type Library");
     EXPECT_THAT(ReadValue(version + "\\409\\win64", ""), Optional(EndsWith(*module)));
+    for (const std::string iid : kDualInterfaces) {
+        EXPECT_EQ(
+            "CLSID\\" + ReadValue("Interface\\" + iid + "\\ProxyStubClsid32", "").value_or(""),
+            kProxies);
+    }
 }
 
 TEST(WholeRegistryTest, IsLeftWithTheApplicationIdentity) {
@@ -76,8 +72,9 @@ TEST(WholeRegistryTest, IsLeftWithTheApplicationIdentity) {
         if (line.key.starts_with("AppID")) expected.push_back(TextOf(line));
     }
     ASSERT_EQ(DllUnregisterServer(), S_OK);
-    EXPECT_THAT(WholeRegistry(), UnorderedElementsAreArray(expected));
+    EXPECT_THAT(WholeRegistry(sandbox), UnorderedElementsAreArray(expected));
     EXPECT_FALSE(KeyExists(kLibrary));
+    for (const std::string iid : kDualInterfaces) EXPECT_FALSE(KeyExists("Interface\\" + iid));
 }
 
 }  // namespace

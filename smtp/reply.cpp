@@ -31,14 +31,15 @@ bool IsCompleteReply(std::string_view received) {
     const std::size_t previous = received.rfind('\n', end - 2);
     const std::size_t start = previous == std::string_view::npos ? 0 : previous + 1;
     const std::size_t mark = start + kCodeLength;
-    return mark >= received.size() || received[mark] != '-';
+    return mark >= end || received[mark] != '-';
 }
 
 bool HoldsMoreThanReply(WideView text) {
     bool last = false;
     while (!text.empty() && !last) {
-        last = text.size() <= kCodeLength || text[kCodeLength] != WCHAR('-');
-        text.remove_prefix(std::min(text.find(WCHAR('\n')), text.size() - 1) + 1);
+        const WideView line = text.substr(0, text.find(WCHAR('\n')));
+        last = line.size() <= kCodeLength || line[kCodeLength] != WCHAR('-');
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
     }
     return !text.empty();
 }

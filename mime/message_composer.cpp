@@ -16,6 +16,9 @@
 namespace quorvane {
 namespace {
 
+// Fields of a message's header block that the composer adds, at most.
+constexpr std::size_t kStandardFields = 14;
+
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kPreamble = "This is a multipart message in MIME format";
 constexpr std::string_view kContentType = "Content-Type";
@@ -88,6 +91,8 @@ private:
     }
 
     void ComposeTopHeaders() {
+        // No field may be missing for want of memory.
+        message_.headers.Reserve(kStandardFields);
         RemoveField(kContentType);
         if (!outer_.empty()) {
             if (message_.multipartKind == MultipartKind::Undecided) {

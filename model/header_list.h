@@ -15,6 +15,9 @@ struct HeaderField {
 
 class HeaderList {
 public:
+    // Makes room for that many fields more. Throws std::bad_alloc.
+    void Reserve(std::size_t count) { fields_.reserve(fields_.size() + count); }
+
     // Appends the field; silently doesn't when the list can't grow. Throws std::bad_alloc when
     // there is no memory for the texts.
     void Append(std::string_view name, std::string_view value);

@@ -68,6 +68,13 @@ COutgoingMessage::COutgoingMessage() : utcOffset(LocalUtcOffset()) {
 
 void PrepareOutgoingMessage(const CMailMessage& source, COutgoingMessage& record) {
     const MessageContent& message = source.content();
+    // All the room that is needed comes first: a message goes out whole or not at all.
+    record.headers.Reserve(message.headers.fields().size() + 1);
+    record.bodyParts.reserve(2);
+    record.to.reserve(message.to.size());
+    record.cc.reserve(message.cc.size());
+    record.bcc.reserve(message.bcc.size());
+    record.attachments.reserve(message.attachments.size());
     if (message.readReceipt != VARIANT_FALSE && !message.sender.address.empty()) {
         record.headers.Append("Disposition-Notification-To", ToAnsi(message.sender.address));
     }

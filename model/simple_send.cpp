@@ -21,6 +21,12 @@ void ForEachEntry(WideView list, Use use) {
     }
 }
 
+std::size_t CountEntries(WideView list) {
+    std::size_t count = 0;
+    ForEachEntry(list, [&](WideView) { ++count; });
+    return count;
+}
+
 }  // namespace
 
 bool IsHtmlBody(WideView body) {
@@ -33,15 +39,18 @@ void SetSimpleBody(COutgoingMessage& record, WideView subject, WideView body, bo
     part.contentType = isHtml ? OLESTR("text/html") : OLESTR("text/plain");
     part.charset =
         NeedsUnicode(subject) || NeedsUnicode(body) ? OLESTR("unicode") : OLESTR("iso-8859-1");
+    record.bodyParts.reserve(1);
     AppendOrDrop(record.bodyParts, std::move(part));
     record.subject = subject;
 }
 
 void AddRecipientList(COutgoingMessage& record, WideView to) {
+    record.to.reserve(CountEntries(to));
     ForEachEntry(to, [&](WideView entry) { AppendOrDrop(record.to, MakeAddressEntry(entry, {})); });
 }
 
 void AddAttachmentList(COutgoingMessage& record, WideView attachments) {
+    record.attachments.reserve(CountEntries(attachments));
     ForEachEntry(attachments, [&](WideView entry) {
         CAttachmentPart part;
         part.charset.clear();

@@ -18,6 +18,7 @@ LineChannel::LineChannel(SocketConnection& connection, SecureChannel& secure,
       m_onProgress(std::move(onProgress)) {}
 
 int LineChannel::SendCommand(CommandView command, long long replyTimeout) {
+    m_replyCode = -1;
     if (command) {
         if (Drain(*command) != 0 || Send(*command, seconds(replyTimeout)) != 0) {
             return -1;
@@ -134,6 +135,7 @@ int LineChannel::AwaitReply(CommandView command, long long replyTimeout) {
 
 // A reply that is cut off by the deadline keeps its words: they may be all that the user gets.
 int LineChannel::TakeReply(const ReplyBuffer& buffer, bool answered, CommandView command) {
+    if (answered) m_replyCode = ReplyCode(buffer.bytes());
     Reply reply = ParseReply(buffer.bytes());
     m_replyText = std::move(reply.text);
     if (!answered) {

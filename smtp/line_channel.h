@@ -43,6 +43,10 @@ public:
     // when the reply comes in parts; and each time during which the peer takes no data.
     int SendCommand(CommandView command, long long replyTimeout);
 
+    // The code of the last command's reply, -1 when none has come. For a command that ended with an
+    // exception.
+    int replyCode() const { return m_replyCode; }
+
 private:
     enum class Arrival { Bytes, Closed, Failed };
 
@@ -60,6 +64,7 @@ private:
     const WideString& m_server;
     WideString& m_replyText;
     ProgressFunction m_onProgress;
+    int m_replyCode = -1;
 };
 
 }  // namespace quorvane

@@ -11,16 +11,17 @@ bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
+}  // namespace
+
 // "000" is no code either: it would pass for the 0 that means success.
-int LeadingCode(std::string_view text) {
-    if (text.size() < 3 || !std::all_of(text.begin(), text.begin() + 3, IsDigit)) {
+int ReplyCode(std::string_view received) {
+    if (received.size() < kCodeLength ||
+        !std::all_of(received.begin(), received.begin() + kCodeLength, IsDigit)) {
         return -1;
     }
-    const int code = (text[0] - '0') * 100 + (text[1] - '0') * 10 + (text[2] - '0');
+    const int code = (received[0] - '0') * 100 + (received[1] - '0') * 10 + (received[2] - '0');
     return code == 0 ? -1 : code;
 }
-
-}  // namespace
 
 bool IsCompleteReply(std::string_view received) {
     const std::size_t end = received.rfind('\n');
@@ -46,7 +47,7 @@ bool HoldsMoreThanReply(WideView text) {
 
 Reply ParseReply(std::string_view received) {
     Reply reply;
-    reply.code = LeadingCode(received);
+    reply.code = ReplyCode(received);
     reply.text = FromAnsi(received);
     reply.text.resize(TrimRight(reply.text).size());
     // Callers take texts as automation strings, which many of them read up to a NUL.

@@ -21,9 +21,11 @@ inline constexpr std::size_t kReplyCapacity = 2048;
 // hyphen behind the code. Bytes behind that line's end don't matter.
 bool IsCompleteReply(std::string_view received);
 
+// The code of the first line, 1 to 999; -1 when the bytes don't begin with one.
+int ReplyCode(std::string_view received);
+
 struct Reply {
-    // The code of the first line, 1 to 999; -1 when the bytes don't begin with one.
-    int code = -1;
+    int code = -1;  // see ReplyCode
     // All lines as they came, in the ANSI code page, without trailing white space. NULs show as
     // '?'.
     WideString text;

@@ -283,10 +283,23 @@ int CSmtp::Data(COutgoingMessage& message) {
         std::string text;
         ComposeMessage(message, text);
         text += kMessageEnd;
-        reply = m_channel.SendCommand(text, 3LL * m_replyTimeout);
+        reply = SendMessageText(text);
     }
     m_greeted = greeted;
     return accepted && reply == 250 ? 0 : Reported(reply);
+}
+
+// The server's decision holds, whether or not there is memory for its words.
+int CSmtp::SendMessageText(std::string_view text) {
+    try {
+        return m_channel.SendCommand(text, 3LL * m_replyTimeout);
+    } catch (const std::bad_alloc&) {
+        if (m_channel.replyCode() < 0) {
+            throw;
+        }
+        m_replyText.clear();
+        return m_channel.replyCode();
+    }
 }
 
 int CSmtp::Quit() {

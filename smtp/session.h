@@ -89,6 +89,7 @@ private:
     int RcptTo(std::span<const CAddressEntry> recipients);
     int RcptTo(const CAddressEntry& recipient);
     int Data(COutgoingMessage& message);
+    int SendMessageText(std::string_view text);
     int Quit();
 
     int SendCommand(CommandView command);

@@ -135,10 +135,11 @@ int TakeError(int descriptor, int& error) {
     return Answer(getsockopt(descriptor, SOL_SOCKET, SO_ERROR, &error, &size));
 }
 
-int Poll(std::vector<PollEntry>& entries, int timeout) {
+int Poll(std::span<PollEntry> entries, int timeout) {
     using std::chrono::milliseconds;
     using std::chrono::steady_clock;
-    std::vector<pollfd> system(entries.size());
+    FewOrMany<pollfd> room(entries.size());
+    const std::span<pollfd> system = room.get();
     for (std::size_t i = 0; i < entries.size(); ++i) {
         system[i].fd = entries[i].descriptor;
         system[i].events = static_cast<short>((entries[i].wantsRead ? POLLIN : 0) |

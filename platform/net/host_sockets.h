@@ -2,8 +2,10 @@
 // winsock2.h would collide with.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace quorvane::host {
@@ -25,6 +27,22 @@ struct PollEntry {
     bool invalid = false;
 };
 
+// Room for that many elements, which takes no memory when they are few: a wait for one's own
+// sockets can't fail then.
+template <class Element>
+class FewOrMany {
+public:
+    explicit FewOrMany(std::size_t count) : count_(count) {
+        if (count > few_.size()) many_.resize(count);
+    }
+    std::span<Element> get() { return {many_.empty() ? few_.data() : many_.data(), count_}; }
+
+private:
+    const std::size_t count_;
+    std::array<Element, 4> few_{};
+    std::vector<Element> many_;
+};
+
 // All return what the system call does, or minus errno. A signal never ends a call.
 int OpenStream();
 int Bind(int descriptor, const Endpoint& endpoint);
@@ -41,7 +59,7 @@ int SetNoDelay(int descriptor, bool noDelay);
 // Takes the socket's pending errno value.
 int TakeError(int descriptor, int& error);
 // `timeout` in milliseconds; negative waits for ever.
-int Poll(std::vector<PollEntry>& entries, int timeout);
+int Poll(std::span<PollEntry> entries, int timeout);
 
 enum class Resolution { Found, NoSuchName, NoAddress, TryAgain, OutOfMemory, Failed };
 

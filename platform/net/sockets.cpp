@@ -152,7 +152,8 @@ int getsockopt(SOCKET s, int level, int option, char* value, int* size) {
 
 int WSAPoll(LPWSAPOLLFD sockets, ULONG count, INT timeout) {
     if (!sockets || count == 0) return Fail(WSAEINVAL);
-    std::vector<host::PollEntry> entries(count);
+    host::FewOrMany<host::PollEntry> room(count);
+    const std::span<host::PollEntry> entries = room.get();
     for (ULONG i = 0; i < count; ++i) {
         entries[i].descriptor = Descriptor(sockets[i].fd);
         entries[i].wantsRead = sockets[i].events & POLLRDNORM;

@@ -10,7 +10,7 @@ namespace {
 
 using testing::LoopbackSocket;
 
-constexpr int kGlance = 5;  // milliseconds
+constexpr int kGlance = 1;  // milliseconds
 // A client that does nothing for so long hangs; it will be told of.
 constexpr int kPatience = 60'000;
 constexpr char kFlippedBit = '\x80';
@@ -105,6 +105,7 @@ void FaultyPeer::Serve(const LoopbackSocket& socket, const Fault& fault) {
         if (acceptedBefore + server.accepted() > result_.accepted) {
             result_.accepted = acceptedBefore + server.accepted();
             result_.answered = !toClient.spoilt();
+            result_.answerEnd = toClient.count();
             result_.message = server.message();
         }
     }

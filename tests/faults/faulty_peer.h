@@ -44,6 +44,7 @@ public:
         int connections = 0;
         int accepted = 0;             // messages, of all connections
         bool answered = false;        // the reply to the last of them came through whole
+        std::size_t answerEnd = 0;    // bytes of that connection up to the end of this reply
         std::string message;          // the last one
         std::size_t clientBytes = 0;  // of the first connection
         std::size_t serverBytes = 0;

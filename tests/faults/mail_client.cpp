@@ -2,8 +2,7 @@
 
 #include <stdexcept>
 
-#include "automation/wide_string.h"
-#include "model/mail_address.h"
+#include "tests/support/objects.h"
 
 namespace quorvane::faults {
 namespace {
@@ -15,36 +14,17 @@ void Check(HRESULT hr) {
     if (hr != S_OK) throw std::runtime_error("the client can't be set up");
 }
 
-class Text {
-public:
-    explicit Text(WideView text) { ToBstr(text, text_.Receive()); }
-    operator BSTR() const { return text_.Get(); }
-
-private:
-    BstrHolder text_;
-};
-
-template <class Class, class Interface>
-void Make(ComPtr<Interface>& object) {
-    Check(CreateComObject<Class>(__uuidof(Interface), object.ReceiveVoid()));
-}
-
 }  // namespace
 
 MailClient::MailClient() {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    Make<CSmtpMail>(mail_);
+    Check(Make<CSmtpMail>(mail_));
     Check(mail_->put_SmtpServer(Text(OLESTR("127.0.0.1"))));
     Check(mail_->put_ReplyTimeout(1));
     Check(mail_->put_ConnectAttempts(1));
     Check(mail_->put_SenderHostname(Text(OLESTR("client.test"))));
 
-    ComPtr<IMailAddress> address;
-    Make<CMailAddress>(address);
-    Check(address->put_Address(Text(OLESTR("me@client.test"))));
-    Make<CMailMessage>(message_);
-    Check(message_->put_Sender(address.Get()));
-    Check(message_->AddRecipient(address.Get()));
+    message_ = MessageOf(OLESTR("me@client.test"), 0);
     Check(message_->put_MessageSubject(Text(OLESTR("Test"))));
     Check(message_->put_MessageBody(Text(OLESTR("The first line.\r\n.dot\r\nThe last line."))));
 }

@@ -6,7 +6,6 @@
 #include "automation/com_ptr.h"
 #include "automation/module.h"
 #include "component/smtp_mail.h"
-#include "model/mail_message.h"
 #include "tests/faults/mail_server.h"
 
 namespace quorvane::faults {

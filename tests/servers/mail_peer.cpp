@@ -65,6 +65,16 @@ bool MailPeer::WaitForAccepted(int count) {
     return WaitFor([&] { return static_cast<int>(accepted_.size()) >= count; });
 }
 
+void MailPeer::CountOnly() {
+    const std::lock_guard lock(mutex_);
+    countsOnly_ = true;
+}
+
+long long MailPeer::acceptedCount() const {
+    const std::lock_guard lock(mutex_);
+    return acceptedCount_;
+}
+
 std::vector<MailPeer::Message> MailPeer::accepted() const {
     const std::lock_guard lock(mutex_);
     return accepted_;
@@ -191,7 +201,8 @@ void MailPeer::TakeMessage(Client& client) {
 void MailPeer::Accept(Client& client) {
     client.held = false;
     client.due.reset();
-    accepted_.push_back({client.sender, client.helo});
+    ++acceptedCount_;
+    if (!countsOnly_) accepted_.push_back({client.sender, client.helo});
     EndTransaction(client);
     client.socket.Send("250 kept\r\n");
 }

@@ -44,6 +44,9 @@ public:
         std::string sender;
         std::string helo;  // name that the client announced
     };
+    // Has the peer count messages only, so that it doesn't grow with them.
+    void CountOnly();
+    long long acceptedCount() const;
     std::vector<Message> accepted() const;  // in the order of their acceptance
     // How often each sender's message was accepted.
     std::map<std::string, int> acceptedBySender() const;
@@ -68,6 +71,8 @@ private:
     int stuck_ = 0;
     int running_ = 0;
     int mostRunning_ = 0;
+    long long acceptedCount_ = 0;
+    bool countsOnly_ = false;
     bool open_ = false;
     bool ending_ = false;
     std::thread thread_;

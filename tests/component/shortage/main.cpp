@@ -10,10 +10,9 @@
 #include <thread>
 
 #include "component/smtp_mail.h"
-#include "model/mail_address.h"
-#include "model/mail_message.h"
 #include "tests/component/shortage/allocation.h"
 #include "tests/servers/linux/peer_process.h"
+#include "tests/support/objects.h"
 
 namespace quorvane {
 namespace {
@@ -21,32 +20,6 @@ namespace {
 bool Check(bool good, const std::string& what) {
     if (!good) std::printf("FAILED: %s\n", what.c_str());
     return good;
-}
-
-template <class Class, class Interface>
-HRESULT Make(ComPtr<Interface>& object) {
-    return CreateComObject<Class>(__uuidof(Interface), object.ReceiveVoid());
-}
-
-class Text {
-public:
-    explicit Text(WideView text) { ToBstr(text, text_.Receive()); }
-    operator BSTR() const { return text_.Get(); }
-
-private:
-    BstrHolder text_;
-};
-
-ComPtr<IMailMessage> Message() {
-    ComPtr<IMailMessage> message;
-    ComPtr<IMailAddress> address;
-    Make<CMailMessage>(message);
-    Make<CMailAddress>(address);
-    address->put_Address(Text(OLESTR("ok@example.org")));
-    message->put_Sender(address.Get());
-    message->AddRecipient(address.Get());
-    message->put_MessageBody(Text(WideString(20000, WCHAR('x'))));
-    return message;
 }
 
 std::string TakeErrorText() {
@@ -89,7 +62,7 @@ private:
 bool RunsOutOfThreads(int port) {
     bool good = true;
     ComPtr<ISmtpMail> mail;
-    const auto message = Message();
+    const auto message = MessageOf(OLESTR("ok@example.org"), 20000);
     {
         const NoMoreThreads shortage;
         good &= Check(Make<CSmtpMail>(mail) == E_FAIL && !mail, "no object without its threads");
@@ -120,7 +93,7 @@ bool RunsOutOfMemory(int port) {
     mail->put_MaxThreads(1);
     mail->put_SmtpServer(Text(OLESTR("127.0.0.1")));
     mail->put_SmtpPort(port);
-    const auto message = Message();
+    const auto message = MessageOf(OLESTR("ok@example.org"), 20000);
     int queued = 0, sent = 0;
     int tries = 0;
     for (long failing = 0; failing < kSending; failing += failing < kQueueing ? 1 : kStep) {

@@ -5,8 +5,7 @@
 #include <array>
 #include <string_view>
 
-#include "model/mail_address.h"
-#include "model/mail_message.h"
+#include "tests/support/objects.h"
 
 namespace quorvane::storm {
 namespace {
@@ -26,35 +25,6 @@ bool HangsFor(std::string_view sender) {
     return sender.starts_with("silent") || sender.starts_with("stall");
 }
 
-template <class Class, class Interface>
-ComPtr<Interface> New() {
-    ComPtr<Interface> object;
-    CreateComObject<Class>(__uuidof(Interface), object.ReceiveVoid());
-    return object;
-}
-
-class Text {
-public:
-    explicit Text(std::string_view text) : text_(SysAllocString(WidenBytes(text).c_str())) {}
-    ~Text() { SysFreeString(text_); }
-    Text(const Text&) = delete;
-    Text& operator=(const Text&) = delete;
-    operator BSTR() const { return text_; }
-
-private:
-    BSTR text_;
-};
-
-ComPtr<IMailMessage> Message(const std::string& sender, std::size_t size) {
-    auto message = New<CMailMessage, IMailMessage>();
-    const auto address = New<CMailAddress, IMailAddress>();
-    address->put_Address(Text(sender));
-    message->put_Sender(address.Get());
-    message->AddRecipient(address.Get());
-    message->put_MessageBody(Text(std::string(size, 'x')));
-    return message;
-}
-
 }  // namespace
 
 // Everything that goes with one SmtpMail object.
@@ -62,7 +32,7 @@ struct Client::Object {
     Listener witness;  // hears everything
     std::array<Listener, 3> others;
     std::array<DWORD, 3> cookies{};
-    ComPtr<ISmtpMail> mail = New<CSmtpMail, ISmtpMail>();
+    ComPtr<ISmtpMail> mail = MakeOrThrow<CSmtpMail, ISmtpMail>();
     ComPtr<IConnectionPoint> point;
     std::map<LONG, std::string> senders;  // by number
 };
@@ -151,7 +121,7 @@ void Client::Send() {
     const std::size_t size = static_cast<std::size_t>(Random(8) == 0 ? Random(100000) : 20);
     LONG number = 0;
     Check("SendAsync",
-          object_->mail->SendAsync(Message(sender, size).Get(), VARIANT_TRUE, &number));
+          object_->mail->SendAsync(MessageOf(WidenBytes(sender), size).Get(), VARIANT_TRUE, &number));
     if (number != static_cast<LONG>(object_->senders.size()) + 1) Fault(sender, "a wrong number");
     object_->senders[number] = sender;
     fates_[sender] = {};

@@ -115,7 +115,7 @@ private:
             OLESTR("koi8-r"),       OLESTR("us-ascii"),     OLESTR("utf-8"),
             OLESTR("shift_jis"),    OLESTR("gb2312"),       OLESTR("gb18030"),
             OLESTR("big5"),         OLESTR("euc-kr"),       OLESTR("euc-jp"),
-            OLESTR("x-unknown"),    OLESTR("tis-620")};
+            OLESTR("x-unknown"),    OLESTR("iso-8859-7")};
         if (chance_.OneIn(3)) return OLESTR("unicode");
         return chance_.OneIn(2) ? OLESTR("iso-8859-1") : WideString(chance_.OneOf(kCharsets));
     }

@@ -1,0 +1,3 @@
+#include "tests/server/marshalling/remote.h"
+
+const bool quorvane::testing::kInterfacesCross = true;

@@ -21,7 +21,7 @@ if(WIN32)
     # UNICODE is left alone: the code names the W functions itself. 0x0A00 is Windows 10.
     target_compile_definitions(quorvane_settings INTERFACE
         _WIN32_WINNT=0x0A00 SECURITY_WIN32 WIN32_LEAN_AND_MEAN NOMINMAX)
-    target_link_libraries(quorvane_settings INTERFACE ws2_32 dnsapi secur32 ole32 oleaut32 uuid)
+    target_link_libraries(quorvane_settings INTERFACE gdi32 ws2_32 dnsapi secur32 ole32 oleaut32 uuid)
 else()
     target_include_directories(quorvane_settings INTERFACE ${CMAKE_SOURCE_DIR}/platform/include)
     target_link_libraries(quorvane_settings INTERFACE Threads::Threads)

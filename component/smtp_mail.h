@@ -4,6 +4,7 @@
 #include "Quorvane.h"
 #include "automation/object.h"
 #include "component/connection_point.h"
+#include "component/control.h"
 #include "component/send_queue.h"
 #include "model/outgoing_message.h"
 
@@ -20,6 +21,12 @@ public:
     // Starts the queue and removes an old trace file. Throws std::bad_alloc, and std::runtime_error
     // when a thread can't be started.
     CSmtpMail();
+
+    // What the sender itself doesn't answer, the control may.
+    STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
+        const HRESULT hr = ComObject::QueryInterface(iid, out);
+        return hr == E_NOINTERFACE ? control_.QueryInterface(iid, out) : hr;
+    }
 
     STDMETHODIMP get_SmtpServer(BSTR* pVal) override;
     STDMETHODIMP put_SmtpServer(BSTR newVal) override;
@@ -88,6 +95,7 @@ private:
     SendQueueClient queue_;  // and the settings, which its workers read
     EventConnectionPoint connectionPoint_{*this, queue_->listeners};
     SendOutcome lastError_;  // of the last synchronous send
+    Control control_{static_cast<ISmtpMail&>(*this)};
 };
 
 }  // namespace quorvane

@@ -139,6 +139,14 @@ ULONGLONG WINAPI GetTickCount64();
 // (ERROR_BUFFER_OVERFLOW).
 BOOL WINAPI GetComputerNameW(LPWSTR name, LPDWORD size);
 
+#define GMEM_MOVEABLE 0x0002
+
+// Blocks of memory behind a handle, as data objects hand them out.
+HGLOBAL WINAPI GlobalAlloc(UINT flags, SIZE_T size);
+LPVOID WINAPI GlobalLock(HGLOBAL block);
+BOOL WINAPI GlobalUnlock(HGLOBAL block);
+HGLOBAL WINAPI GlobalFree(HGLOBAL block);
+
 }  // extern "C"
 
 #endif

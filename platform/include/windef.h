@@ -21,6 +21,7 @@
 #define WINAPI
 #define STDMETHODCALLTYPE
 #define STDAPICALLTYPE
+#define CALLBACK
 
 #define IN
 #define OUT
@@ -67,6 +68,18 @@ typedef struct HINSTANCE__* HINSTANCE;
 typedef HINSTANCE HMODULE;
 typedef struct HKEY__* HKEY;
 typedef HKEY* PHKEY;
+typedef struct HWND__* HWND;
+typedef struct HDC__* HDC;
+typedef struct HBITMAP__* HBITMAP;
+typedef struct HBRUSH__* HBRUSH;
+typedef struct HRGN__* HRGN;
+typedef struct HICON__* HICON;
+typedef HICON HCURSOR;
+typedef struct HMENU__* HMENU;
+typedef struct HACCEL__* HACCEL;
+typedef struct HMETAFILE__* HMETAFILE;
+typedef HANDLE HGLOBAL;
+typedef void* HGDIOBJ;
 
 typedef DWORD LCID;
 typedef LONG HRESULT;
@@ -75,6 +88,37 @@ typedef LONG LSTATUS;
 typedef union _LARGE_INTEGER {
     LONGLONG QuadPart;
 } LARGE_INTEGER, *PLARGE_INTEGER;
+
+typedef union _ULARGE_INTEGER {
+    ULONGLONG QuadPart;
+} ULARGE_INTEGER;
+
+typedef struct tagPOINT {
+    LONG x;
+    LONG y;
+} POINT, *LPPOINT;
+
+typedef struct tagSIZE {
+    LONG cx;
+    LONG cy;
+} SIZE, *LPSIZE, SIZEL, *LPSIZEL;
+
+// What is inside begins at left and top and ends before right and bottom.
+typedef struct tagRECT {
+    LONG left;
+    LONG top;
+    LONG right;
+    LONG bottom;
+} RECT, *LPRECT;
+typedef const RECT* LPCRECT;
+
+typedef struct _RECTL {
+    LONG left;
+    LONG top;
+    LONG right;
+    LONG bottom;
+} RECTL, *LPRECTL;
+typedef const RECTL* LPCRECTL;
 
 typedef struct _FILETIME {
     DWORD dwLowDateTime;

@@ -27,6 +27,19 @@ else()
     target_link_libraries(quorvane_settings INTERFACE Threads::Threads)
 endif()
 
+if(NOT QUORVANE_SANITIZE)
+    # What a fault can be used for is kept small: stack guards, checked copies, branch targets, and
+    # tables that are read-only once the program has been linked.
+    add_compile_options(-fstack-protector-strong)
+    if(CMAKE_BUILD_TYPE MATCHES "^Rel")
+        add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+    endif()
+    if(NOT WIN32)
+        add_compile_options(-fcf-protection=full -fstack-clash-protection)
+        add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack)
+    endif()
+endif()
+
 if(QUORVANE_SANITIZE)
     # Callers of COM interfaces may pass any integer as an enumeration and objects that no C++
     # compiler made, so those two checks have nothing to hold on to.

@@ -1,6 +1,7 @@
 #!/bin/bash
 # check_dependencies.sh LIBRARY: the library needs what every system has and exports what it should;
-# on Windows it is small, lets the system place it anywhere, and tells nothing of who built it when.
+# on Windows it is small, lets the system place it anywhere, and tells nothing of who built it when; on
+# Linux nothing in it can be overwritten and run.
 set -euo pipefail
 library=$1
 failed=0
@@ -36,6 +37,14 @@ case $library in
         done
         # A host that uses another version of a C++ library must not meet ours.
         if grep -q '^_Z' <<<"$exports"; then complain "exports C++ names"; fi
+        imports=$(nm --dynamic --undefined-only "$library")
+        if ! grep -qE '__(a|t)san_' <<<"$imports"; then
+            headers=$(readelf -lW "$library")
+            grep -q GNU_RELRO <<<"$headers" || complain "has tables that stay writable"
+            grep -q 'GNU_STACK.* RW ' <<<"$headers" || complain "has a stack that can be run"
+            readelf -dW "$library" | grep -q BIND_NOW || complain "binds its imports late"
+            grep -q __stack_chk_fail <<<"$imports" || complain "has no stack guards"
+        fi
         ;;
 esac
 exit $failed

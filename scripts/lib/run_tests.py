@@ -15,7 +15,7 @@ BUILD = ROOT / "build"
 CTEST_TIMEOUT_SECONDS = 600
 
 PRESETS = {
-    "native": ["linux-release", "linux-debug"],
+    "native": ["linux-release"],
     "windows": ["windows-release"],
     "sanitize": ["linux-asan"],
     "threads": ["linux-tsan"],

@@ -31,6 +31,7 @@ if(NOT QUORVANE_SANITIZE)
     # What a fault can be used for is kept small: stack guards, checked copies, branch targets, and
     # tables that are read-only once the program has been linked.
     add_compile_options(-fstack-protector-strong)
+    add_link_options(-fstack-protector-strong)
     if(CMAKE_BUILD_TYPE MATCHES "^Rel")
         add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
     endif()

@@ -28,6 +28,11 @@ struct ReceivedArgument {
     }
 };
 
+// It stays null on its way, where a copy would be an empty string that whoever fills it in forgets.
+bool IsNullString(const VARIANT& value) {
+    return value.vt == VT_BSTR && !value.bstrVal;
+}
+
 // Puts the value, which goes with that, in the place of what the argument refers to.
 void Store(const VARIANT& reference, const VARIANT& value) {
     VARIANT old;
@@ -47,6 +52,10 @@ HRESULT CarriedValue::Pack(const VARIANT& value) {
     VariantClear(&value_);
     object_ = {};
     const bool isObject = value.vt == VT_DISPATCH || value.vt == VT_UNKNOWN;
+    if (IsNullString(value)) {
+        value_ = value;
+        return S_OK;
+    }
     if (!isObject || !value.punkVal) return VariantCopy(&value_, &value);
     value_.vt = value.vt;
     value_.punkVal = nullptr;
@@ -55,6 +64,10 @@ HRESULT CarriedValue::Pack(const VARIANT& value) {
 
 HRESULT CarriedValue::Unpack(VARIANT& value) const {
     value = {};
+    if (IsNullString(value_)) {
+        value = value_;
+        return S_OK;
+    }
     if (!object_) return VariantCopy(&value, &value_);
     void* object = nullptr;
     const HRESULT hr =

@@ -327,8 +327,8 @@ TEST_F(Events, ReleaseDoesNotWaitForAListenerThatIsBusy) {
 
 TEST_F(Events, SkipListenersWhoseApartmentIsGone) {
     std::thread([&] {
+        Listener mortal;  // to its apartment's very end
         const Apartment own;
-        Listener mortal;
         DWORD cookie = 0;
         EXPECT_EQ(Point()->Advise(&mortal, &cookie), S_OK);
         client.mail->put_OnStatusChangeHandler(Handler(&mortal));

@@ -127,7 +127,9 @@ TEST_F(MarshallingTest, OutcomesComeBackBesideTheResult) {
                                          arguments, {byVariant}, scriptCode)));
         EXPECT_EQ(scriptCode.Text(), "-1");
         EXPECT_EQ(scriptText.Text(), '"' + ToUtf8(FromBstr(text.Get())) + '"');
-        // A failure's status comes back, too.
+        // A failure's status comes back, too. What goes out only is empty before.
+        SysFreeString(*byText.pbstrVal);
+        *byText.pbstrVal = nullptr;
         EXPECT_EQ(
             mail_.Call(way, OLESTR("SimpleSendHTML"), DISPATCH_METHOD, arguments, {byText}, code),
             DISP_E_EXCEPTION);

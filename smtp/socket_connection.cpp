@@ -20,6 +20,10 @@ constexpr Milliseconds kLookInterval{100};
 // Systems give up well before (21 to 127 seconds); this only keeps a silent one from lasting.
 constexpr Milliseconds kConnectLimit{180'000};
 
+bool IsControl(char c) {
+    return static_cast<unsigned char>(c) < ' ' || c == 0x7F;
+}
+
 }  // namespace
 
 void StartSockets() {
@@ -37,8 +41,9 @@ USHORT DefaultSmtpPort() {
 
 bool ResolveServer(const WideString& server, in_addr& address) {
     const std::string name = ToAnsi(server);
-    // Some resolvers answer an empty name with an address of this computer.
-    if (name.empty() || name.find('\0') != std::string::npos) {
+    // Some resolvers answer an empty name with an address of this computer, and some read an
+    // address no further than to a line break.
+    if (name.empty() || std::any_of(name.begin(), name.end(), IsControl)) {
         return false;
     }
     if (inet_pton(AF_INET, name.c_str(), &address) == 1) {

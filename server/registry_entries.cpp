@@ -1,6 +1,9 @@
 #include "server/registry_entries.h"
 
+#include <string>
+
 #include "Quorvane.h"
+#include "component/control_identity.h"
 #include "server/resource.h"
 
 #define WIDEN_TEXT(text) OLESTR(text)
@@ -10,10 +13,11 @@
 namespace quorvane {
 namespace {
 
-// OLEMISC_RECOMPOSEONRESIZE | OLEMISC_CANTLINKINSIDE | OLEMISC_INSIDEOUT |
-// OLEMISC_ACTIVATEWHENVISIBLE | OLEMISC_INVISIBLEATRUNTIME | OLEMISC_SETCLIENTSITEFIRST (0x20591),
-// in decimal as containers read it.
-constexpr const WCHAR* kMiscStatus = OLESTR("132497");
+// In decimal, as containers read it.
+WideString MiscStatus() {
+    const std::string digits = std::to_string(kControlMiscStatus);
+    return {digits.begin(), digits.end()};
+}
 
 WideString ProgId(const CreatableClass& named) {
     return WideString(OLESTR("Quorvane.")) + named.name;
@@ -33,7 +37,7 @@ void AppendControlEntries(const WideString& key, const WideString& module, Regis
     out.push_back({key + OLESTR("\\Control"), nullptr, {}});
     out.push_back({key + OLESTR("\\Insertable"), nullptr, {}});
     out.push_back({key + OLESTR("\\MiscStatus"), nullptr, OLESTR("0")});
-    out.push_back({key + OLESTR("\\MiscStatus\\1"), nullptr, kMiscStatus});
+    out.push_back({key + OLESTR("\\MiscStatus\\1"), nullptr, MiscStatus()});
     out.push_back({key + OLESTR("\\Version"), nullptr, OLESTR("1.0")});
 }
 

@@ -27,6 +27,7 @@ struct Options {
     long long objects = 100;
     int threads = 200;
     int minutes = 0;
+    int replyTimeout = 1;  // seconds
     unsigned seed = 1;
 };
 
@@ -77,15 +78,6 @@ private:
         OLESTR("slow@x"),   OLESTR("silent@x")};
 };
 
-ComPtr<ISmtpMail> MakeClient(int port) {
-    auto mail = MakeOrThrow<CSmtpMail, ISmtpMail>();
-    mail->put_SmtpServer(Text(OLESTR("127.0.0.1")));
-    mail->put_SmtpPort(port);
-    mail->put_ReplyTimeout(1);
-    mail->put_ConnectAttempts(1);
-    return mail;
-}
-
 class Soak {
 public:
     explicit Soak(const Options& options)
@@ -110,10 +102,19 @@ public:
 private:
     static std::chrono::minutes Minutes(int count) { return std::chrono::minutes(count); }
 
+    ComPtr<ISmtpMail> MakeClient() const {
+        auto mail = MakeOrThrow<CSmtpMail, ISmtpMail>();
+        mail->put_SmtpServer(Text(OLESTR("127.0.0.1")));
+        mail->put_SmtpPort(peer_.port());
+        mail->put_ReplyTimeout(options_.replyTimeout);
+        mail->put_ConnectAttempts(1);
+        return mail;
+    }
+
     // Each sends one message while its caller waits.
     void SendFromManyObjects(long long count) {
         for (long long i = 0; i < count; ++i) {
-            const auto mail = MakeClient(peer_.port());
+            const auto mail = MakeClient();
             LONG code = 0;
             BstrHolder text;
             const auto message = MessageOf(senders_.Next(), 200);
@@ -122,7 +123,7 @@ private:
     }
 
     void SendFromOneObject(long long count) {
-        const auto mail = MakeClient(peer_.port());
+        const auto mail = MakeClient();
         mail->put_MaxThreads(options_.threads);
         const std::size_t most = 10 * static_cast<std::size_t>(options_.threads);
         std::deque<LONG> unfinished;
@@ -222,6 +223,8 @@ int main(int count, char** arguments) {
     app.add_option("--objects", options.objects, "objects that send one message, each round");
     app.add_option("--threads", options.threads, "workers of the queue")->check(CLI::Range(1, 900));
     app.add_option("--minutes", options.minutes, "as many rounds as begin in that time");
+    app.add_option("--reply-timeout", options.replyTimeout,
+                   "seconds; the peer must not be slower, or what it took late counts as failed");
     app.add_option("--seed", options.seed, "which messages the peer treats badly");
     CLI11_PARSE(app, count, arguments);
     return quorvane::soak::Soak(options).Run() ? 0 : 1;

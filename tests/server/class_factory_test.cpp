@@ -56,6 +56,20 @@ TEST_F(LibraryTest, MakesEveryClassWithItsInterfaces) {
     }
 }
 
+TEST_F(LibraryTest, DescribesTheControlToItsContainers) {
+    ComPtr<IProvideClassInfo> provider;
+    ASSERT_EQ(Factory(CLSID_SmtpMail)
+                  ->CreateInstance(nullptr, __uuidof(IProvideClassInfo), provider.ReceiveVoid()),
+              S_OK);
+    ComPtr<ITypeInfo> info;
+    ASSERT_EQ(provider->GetClassInfo(info.Receive()), S_OK);
+    TYPEATTR* attributes = nullptr;
+    ASSERT_EQ(info->GetTypeAttr(&attributes), S_OK);
+    EXPECT_EQ(attributes->guid, CLSID_SmtpMail);
+    info->ReleaseTypeAttr(attributes);
+    EXPECT_EQ(provider->GetClassInfo(nullptr), E_POINTER);
+}
+
 TEST_F(LibraryTest, RefusesWhatItDoesNotServe) {
     void* out = &out;
     EXPECT_EQ(DllGetClassObject(IID_ISmtpMail, IID_IClassFactory, &out), CLASS_E_CLASSNOTAVAILABLE);

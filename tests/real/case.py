@@ -6,6 +6,7 @@ from pathlib import Path
 
 import mime_check
 from client import ROOT
+from mail_catcher import Catcher
 
 SAMPLE = ROOT / "examples" / "sample"
 SUBJECT = "Midsummer at Café Björk – programme and menu"
@@ -85,3 +86,15 @@ class SendTest(unittest.TestCase):
         """All cases natively; each step-th under Wine, where starting a program takes seconds and
         the code that they exercise is the same."""
         return cases[::step] if self.client.windows else cases
+
+
+class CatcherTest(SendTest):
+    """Sends to a catcher that the tests of the class share."""
+
+    @classmethod
+    def setUpClass(cls):
+        folder = tempfile.TemporaryDirectory(prefix="quorvane-catcher-")
+        cls.addClassCleanup(folder.cleanup)
+        cls.catcher = Catcher(folder.name)
+        cls.addClassCleanup(cls.catcher.stop)
+        cls.port = cls.catcher.port

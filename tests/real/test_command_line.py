@@ -4,22 +4,12 @@ import json
 import os
 import re
 import socket
-import tempfile
 
 import mime_check
-from case import SAMPLE_ARGUMENTS, SIMPLE_ARGUMENTS, SendTest
-from mail_catcher import Catcher
+from case import SAMPLE_ARGUMENTS, SIMPLE_ARGUMENTS, CatcherTest
 
 
-class CommandLineTest(SendTest):
-    @classmethod
-    def setUpClass(cls):
-        folder = tempfile.TemporaryDirectory(prefix="quorvane-catcher-")
-        cls.addClassCleanup(folder.cleanup)
-        cls.catcher = Catcher(folder.name)
-        cls.addClassCleanup(cls.catcher.stop)
-        cls.port = cls.catcher.port
-
+class CommandLineTest(CatcherTest):
     def tearDown(self):
         self.assertEqual(self.catcher.messages(), [], "a message that the test did not ask for")
 

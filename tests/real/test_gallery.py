@@ -5,24 +5,15 @@ import subprocess
 import tempfile
 from pathlib import Path
 
-from case import SIMPLE_ARGUMENTS, SendTest
+from case import SIMPLE_ARGUMENTS, CatcherTest
 from client import ROOT
-from mail_catcher import Catcher
 
 GALLERY = Path(__file__).with_name("gallery.py")
 NEWSLETTER = ROOT / "examples" / "newsletter"
 TIMEOUT_SECONDS = 300
 
 
-class GalleryTest(SendTest):
-    @classmethod
-    def setUpClass(cls):
-        folder = tempfile.TemporaryDirectory(prefix="quorvane-catcher-")
-        cls.addClassCleanup(folder.cleanup)
-        cls.catcher = Catcher(folder.name)
-        cls.addClassCleanup(cls.catcher.stop)
-        cls.port = cls.catcher.port
-
+class GalleryTest(CatcherTest):
     def differing(self, *arguments):
         """How many points of the newsletter look different when it is sent with these arguments."""
         page = NEWSLETTER / "newsletter.html"

@@ -6,11 +6,9 @@ import os
 import pty
 import signal
 import socket
-import tempfile
 import threading
 
-from case import SIMPLE_ARGUMENTS, SendTest
-from mail_catcher import Catcher
+from case import SIMPLE_ARGUMENTS, CatcherTest
 
 LINE = r"\d+ sent, \d+ failed, \d+ queued(, [\d.]+/s(, \d+ \w+ left)?)?(, [\d.]+ of [\d.]+ MB)?"
 
@@ -39,15 +37,7 @@ def silent_server():
                 connection.close()
 
 
-class QueueTest(SendTest):
-    @classmethod
-    def setUpClass(cls):
-        folder = tempfile.TemporaryDirectory(prefix="quorvane-catcher-")
-        cls.addClassCleanup(folder.cleanup)
-        cls.catcher = Catcher(folder.name)
-        cls.addClassCleanup(cls.catcher.stop)
-        cls.port = cls.catcher.port
-
+class QueueTest(CatcherTest):
     def test_all_arrive_once(self):
         done = self.send(*SIMPLE_ARGUMENTS, "--async", "--count", 40, "--threads", 4)
         *progress, summary = done.stdout.splitlines()

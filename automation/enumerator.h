@@ -10,14 +10,14 @@
 #include <vector>
 
 #include "automation/boundary.h"
-#include "automation/object.h"
+#include "automation/counted.h"
 
 namespace quorvane {
 
 // Interface is an IEnum... of Items. A copy of each item is Held; Give(const Held&, Item&) fills in
 // the caller's own, references included, and must not fail.
 template <class Interface, class Item, class Held, void (*Give)(const Held&, Item&)>
-class Enumerator final : public Interface {
+class Enumerator final : public Counted<AtomicCount, Interface> {
 public:
     using List = std::shared_ptr<const std::vector<Held>>;
 
@@ -36,16 +36,8 @@ public:
         const bool known = iid == __uuidof(IUnknown) || iid == __uuidof(Interface);
         *out = known ? static_cast<Interface*>(this) : nullptr;
         if (!known) return E_NOINTERFACE;
-        AddRef();
+        this->AddRef();
         return S_OK;
-    }
-
-    STDMETHODIMP_(ULONG) AddRef() override { return count_.Increment(); }
-
-    STDMETHODIMP_(ULONG) Release() override {
-        const ULONG left = count_.Decrement();
-        if (left == 0) delete this;
-        return left;
     }
 
     STDMETHODIMP Next(ULONG count, Item* items, ULONG* fetched) override {
@@ -78,7 +70,6 @@ public:
 
 private:
     Enumerator(List list, std::size_t next) : list_(std::move(list)), next_(next) {}
-    ~Enumerator() = default;
 
     static Interface* New(List list, std::size_t next) {
         Interface* const enumerator = new Enumerator(std::move(list), next);
@@ -90,8 +81,6 @@ private:
 
     const List list_;
     std::size_t next_;
-    AtomicCount count_;
-    ModuleReference module_;
 };
 
 }  // namespace quorvane

@@ -5,34 +5,12 @@
 #include <oaidl.h>
 #include <ole2.h>
 
-#include <atomic>
-
 #include "automation/boundary.h"
 #include "automation/com_ptr.h"
-#include "automation/module.h"
+#include "automation/counted.h"
 #include "automation/type_info.h"
 
 namespace quorvane {
-
-// Reference count of an object that only its apartment's thread touches.
-class PlainCount {
-public:
-    ULONG Increment() { return ++count_; }
-    ULONG Decrement() { return --count_; }
-
-private:
-    ULONG count_ = 0;
-};
-
-// Reference count of an object that other threads hold too.
-class AtomicCount {
-public:
-    ULONG Increment() { return count_.fetch_add(1, std::memory_order_relaxed) + 1; }
-    ULONG Decrement() { return count_.fetch_sub(1, std::memory_order_acq_rel) - 1; }
-
-private:
-    std::atomic<ULONG> count_{0};
-};
 
 // Implements IDispatch of a dual interface through its type information.
 template <class Interface>
@@ -74,7 +52,7 @@ public:
 // An object with one dual interface, ISupportErrorInfo for it, and further interfaces. It lives on
 // the heap, starts without references and deletes itself with the last one.
 template <class Count, class Dual, class... Others>
-class ComObject : public DispatchImpl<Dual>, public ISupportErrorInfo, public Others... {
+class ComObject : public Counted<Count, DispatchImpl<Dual>, ISupportErrorInfo, Others...> {
 public:
     ComObject() = default;
     ComObject(const ComObject&) = delete;
@@ -84,24 +62,13 @@ public:
         if (!out) return E_POINTER;
         *out = Find(iid);
         if (!*out) return E_NOINTERFACE;
-        AddRef();
+        this->AddRef();
         return S_OK;
-    }
-
-    STDMETHODIMP_(ULONG) AddRef() override { return count_.Increment(); }
-
-    STDMETHODIMP_(ULONG) Release() override {
-        const ULONG left = count_.Decrement();
-        if (left == 0) delete this;
-        return left;
     }
 
     STDMETHODIMP InterfaceSupportsErrorInfo(REFIID iid) override {
         return iid == __uuidof(Dual) ? S_OK : S_FALSE;
     }
-
-protected:
-    virtual ~ComObject() = default;
 
 private:
     void* Find(REFIID iid) {
@@ -113,9 +80,6 @@ private:
         (void)((iid == __uuidof(Others) ? (found = static_cast<Others*>(this)) : nullptr) || ...);
         return found;
     }
-
-    Count count_;
-    ModuleReference module_;
 };
 
 // Makes an object of the class and asks it for the interface. What its constructor throws becomes a

@@ -1,15 +1,14 @@
 #include "component/event_forwarder.h"
 
-#include <atomic>
 #include <utility>
 
 #include "Quorvane.h"
-#include "automation/module.h"
+#include "automation/counted.h"
 
 namespace quorvane {
 namespace {
 
-class EventForwarder final : public IDispatch {
+class EventForwarder final : public Counted<AtomicCount, IDispatch> {
 public:
     EventForwarder(ComPtr<IUnknown> sink, ComPtr<IDispatch> events)
         : sink_(std::move(sink)), events_(std::move(events)) {}
@@ -22,12 +21,6 @@ public:
         *out = static_cast<IDispatch*>(this);
         AddRef();
         return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-    STDMETHODIMP_(ULONG) Release() override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
     }
 
     STDMETHODIMP GetTypeInfoCount(UINT* count) override { return events_->GetTypeInfoCount(count); }
@@ -44,12 +37,8 @@ public:
     }
 
 private:
-    ~EventForwarder() = default;
-
     const ComPtr<IUnknown> sink_;
     const ComPtr<IDispatch> events_;
-    std::atomic<ULONG> references_{0};
-    ModuleReference module_;
 };
 
 }  // namespace

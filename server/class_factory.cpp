@@ -5,8 +5,7 @@
 #include <mutex>
 
 #include "automation/boundary.h"
-#include "automation/module.h"
-#include "automation/object.h"
+#include "automation/counted.h"
 #include "server/classes.h"
 
 namespace quorvane {

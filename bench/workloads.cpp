@@ -1,5 +1,6 @@
 #include "bench/workloads.h"
 
+#include <algorithm>
 #include <fstream>
 #include <random>
 #include <stdexcept>
@@ -14,10 +15,8 @@ WorkloadBody Plain(std::string text, std::string encoding = "7bit") {
     return {"text/plain", std::move(text), std::move(encoding)};
 }
 
-Workload Base(std::string id, std::string title) {
+Workload Base() {
     Workload workload;
-    workload.id = std::move(id);
-    workload.title = std::move(title);
     workload.senderAddress = "sender@example.com";
     workload.recipientNames = {""};
     workload.recipientAddresses = {"recipient@example.org"};
@@ -25,26 +24,22 @@ Workload Base(std::string id, std::string title) {
     return workload;
 }
 
-Workload FileMessage(const std::string& folder) {
-    Workload workload = Base("base64", "25 MiB file, Base64");
-    const std::string path = folder + "/attachment.bin";
-    std::ofstream file(path, std::ios::binary);
-    const std::string content = RandomBytes(25 * kMib);
-    file.write(content.data(), static_cast<std::streamsize>(content.size()));
-    if (!file) throw std::runtime_error("can't write " + path);
+Workload FileMessage(const std::string& folder, std::size_t size, bool isLoaded) {
+    Workload workload = Base();
     workload.bodies = {Plain("The archive is attached.\r\n")};
-    workload.attachments = {{"archive.bin", "application/octet-stream", "", path, ""}};
+    workload.attachments = {{"archive.bin", "application/octet-stream", "",
+                             folder + "/" + std::to_string(size), "", isLoaded}};
     return workload;
 }
 
 Workload ProseMessage() {
-    Workload workload = Base("qp", "5 MiB body, quoted-printable");
+    Workload workload = Base();
     workload.bodies = {Plain(Prose(5 * kMib), "quoted-printable")};
     return workload;
 }
 
 Workload SmallMessage() {
-    Workload workload = Base("small", "small text");
+    Workload workload = Base();
     workload.bodies = {
         Plain("Hello,\r\n\r\nthe nightly run has ended without errors.\r\n"
               "Files: 1284, bytes: 88123904, minutes: 14.\r\n\r\nYour server\r\n")};
@@ -52,7 +47,7 @@ Workload SmallMessage() {
 }
 
 Workload RichMessage() {
-    Workload workload = Base("rich", "rich: alternative, inline, attachment");
+    Workload workload = Base();
     workload.senderName = "J\u00FCrgen M\u00FCller";
     workload.recipientNames = {"Zo\u00EB Garc\u00EDa", "Mail Room", ""};
     workload.recipientAddresses = {"zoe@example.org", "mailroom@example.org", "c@example.org"};
@@ -64,15 +59,61 @@ Workload RichMessage() {
                             Prose(2 * kKib) + "</p>\r\n</body></html>\r\n",
                         "quoted-printable"}};
     workload.attachments = {
-        {"logo.png", "image/png", "logo@example.com", "", RandomBytes(6 * kKib)},
-        {"Bericht f\u00FCr August.pdf", "application/pdf", "", "", RandomBytes(24 * kKib)}};
+        {"logo.png", "image/png", "logo@example.com", "", RandomBytes(6 * kKib), false},
+        {"Bericht f\u00FCr August.pdf", "application/pdf", "", "", RandomBytes(24 * kKib), false}};
     return workload;
+}
+
+Workload RecipientsMessage(std::size_t count) {
+    Workload workload = SmallMessage();
+    workload.recipientNames.assign(count, "A Recipient");
+    workload.recipientAddresses.clear();
+    for (std::size_t i = 0; i < count; ++i) {
+        workload.recipientAddresses.push_back("recipient" + std::to_string(i) + "@example.org");
+    }
+    return workload;
+}
+
+Workload AttachmentsMessage(std::size_t count) {
+    Workload workload = SmallMessage();
+    for (std::size_t i = 0; i < count; ++i) {
+        workload.attachments.push_back({"file" + std::to_string(i) + ".bin",
+                                        "application/octet-stream", "", "", RandomBytes(10 * kKib),
+                                        false});
+    }
+    return workload;
+}
+
+std::string ReadFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    std::string bytes(static_cast<std::size_t>(std::max<std::streamoff>(file.tellg(), 0)), '\0');
+    file.seekg(0).read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    if (!file) throw std::runtime_error("can't read " + path);
+    return bytes;
 }
 
 }  // namespace
 
-std::vector<Workload> MakeWorkloads(const std::string& folder) {
-    return {FileMessage(folder), ProseMessage(), SmallMessage(), RichMessage()};
+AttachmentBytes::AttachmentBytes(const WorkloadAttachment& attachment) : own_(attachment.data) {
+    if (attachment.isLoaded) loaded_ = ReadFile(attachment.path);
+}
+
+Workload MakeWorkload(const std::string& name, const std::string& folder) {
+    constexpr std::size_t kFile = 25 * kMib;
+    if (name == "base64") return FileMessage(folder, kFile, false);
+    if (name == "block") return FileMessage(folder, kFile, true);
+    if (name == "qp") return ProseMessage();
+    if (name == "small") return SmallMessage();
+    if (name == "rich") return RichMessage();
+    const std::size_t colon = name.find(':');
+    const std::string kind = name.substr(0, colon);
+    if (colon != std::string::npos) {
+        const std::size_t number = std::stoul(name.substr(colon + 1));
+        if (kind == "size") return FileMessage(folder, number, false);
+        if (kind == "recipients") return RecipientsMessage(number);
+        if (kind == "attachments") return AttachmentsMessage(number);
+    }
+    throw std::runtime_error("no such workload: " + name);
 }
 
 std::string RandomBytes(std::size_t size) {

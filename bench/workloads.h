@@ -18,11 +18,24 @@ struct WorkloadAttachment {
     std::string contentId;  // not empty for an inline attachment
     std::string path;       // of a file, or empty and
     std::string data;       // the bytes
+    // The program reads the file into a block of memory, hands that over and frees it.
+    bool isLoaded = false;
+
+    bool IsFile() const { return !path.empty() && !isLoaded; }
+};
+
+// The bytes of an attachment that isn't a file, while a program hands them over.
+class AttachmentBytes {
+public:
+    explicit AttachmentBytes(const WorkloadAttachment& attachment);
+    const std::string& operator*() const { return loaded_.empty() ? own_ : loaded_; }
+
+private:
+    const std::string& own_;
+    std::string loaded_;
 };
 
 struct Workload {
-    std::string id;                         // as the command line names it
-    std::string title;                      // as the table names it
     std::string senderName, senderAddress;  // names and subject are UTF-8
     std::vector<std::string> recipientNames, recipientAddresses;
     std::string subject;
@@ -30,9 +43,13 @@ struct Workload {
     std::vector<WorkloadAttachment> attachments;
 };
 
-// The four messages: base64, qp, small, rich. The attachment of the first is a file of 25 MiB that
-// is made in the folder.
-std::vector<Workload> MakeWorkloads(const std::string& folder);
+// The workload of that name:
+//   base64, block   a file of 25 MiB attached; the same file, loaded
+//   qp, small, rich
+//   size:N          a file of N bytes attached
+//   recipients:N, attachments:N   so many of them, these of 10 KiB each
+// Files are in the folder and named after their size in bytes.
+Workload MakeWorkload(const std::string& name, const std::string& folder);
 
 // Bytes and text without a pattern, the same in every run.
 std::string RandomBytes(std::size_t size);

@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "bench/side_by_side/contenders.h"
+#include "bench/side_by_side/contender.h"
 
 // The reader of a MIME tree, by which libcurl gets at the bytes of a message that it sends. Sending
 // is the only public way to them, and it would measure sockets; so these two functions of the
@@ -32,6 +32,10 @@ struct EasyCleanup {
 struct MimeFree {
     void operator()(curl_mime* mime) const { curl_mime_free(mime); }
 };
+struct LinesFree {
+    void operator()(curl_slist* lines) const { curl_slist_free_all(lines); }
+};
+using Lines = std::unique_ptr<curl_slist, LinesFree>;
 using Mime = std::unique_ptr<curl_mime, MimeFree>;
 
 // Encoded words are not libcurl's business: its callers bring header text ready for the wire.
@@ -74,10 +78,9 @@ class CurlContender : public Contender {
 public:
     CurlContender() : easy_(curl_easy_init()) {}
 
-    std::string Name() const override { return "libcurl"; }
-
-    void Prepare(const Workload& workload) override {
+    void Prepare(const Workload& workload, int port) override {
         workload_ = workload;
+        server_ = "smtp://127.0.0.1:" + std::to_string(port);
         for (WorkloadAttachment& attachment : workload_.attachments) {
             attachment.name = HeaderText(attachment.name);
         }
@@ -91,6 +94,25 @@ public:
         Check(Curl_mime_prepare_headers(easy_.get(), message, nullptr, nullptr, 0));
         Read(message);
         return out_;
+    }
+
+    // What libcurl sends is a multipart/mixed, be it of one part.
+    void Send() override {
+        CURL* const easy = easy_.get();
+        const Mime mixed(curl_mime_init(easy));
+        FillMixed(mixed.get());
+        const Lines header(TopHeaders().Release());
+        HeaderLines recipients;
+        for (const std::string& address : workload_.recipientAddresses) recipients.Add(address);
+        const Lines to(recipients.Release());
+        curl_easy_setopt(easy, CURLOPT_URL, server_.c_str());
+        curl_easy_setopt(easy, CURLOPT_MAIL_FROM, workload_.senderAddress.c_str());
+        curl_easy_setopt(easy, CURLOPT_MAIL_RCPT, to.get());
+        curl_easy_setopt(easy, CURLOPT_HTTPHEADER, header.get());
+        curl_easy_setopt(easy, CURLOPT_MIMEPOST, mixed.get());
+        curl_easy_setopt(easy, CURLOPT_FORBID_REUSE, 1L);
+        curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+        Check(curl_easy_perform(easy));
     }
 
 private:
@@ -124,24 +146,28 @@ private:
     // The tree of the workload: mixed with related with alternative, each only when there is more
     // than one part in it.
     void Fill(curl_mimepart* message) {
-        const auto& attachments = workload_.attachments;
-        std::size_t inlineCount = 0;
-        for (const auto& attachment : attachments) inlineCount += !attachment.contentId.empty();
-        curl_mimepart* part = message;
-        if (inlineCount < attachments.size()) {
-            curl_mime* const mixed = AddMultipart(part, "multipart/mixed");
-            part = curl_mime_addpart(mixed);
-            FillRelated(part, inlineCount);
-            for (const auto& attachment : attachments) {
-                if (attachment.contentId.empty()) AddAttachment(mixed, attachment);
-            }
+        if (InlineCount() < workload_.attachments.size()) {
+            FillMixed(AddMultipart(message, "multipart/mixed"));
         } else {
-            FillRelated(part, inlineCount);
+            FillRelated(message);
         }
     }
 
-    void FillRelated(curl_mimepart* part, std::size_t inlineCount) {
-        if (inlineCount == 0) return FillBodies(part);
+    std::size_t InlineCount() const {
+        std::size_t count = 0;
+        for (const auto& attachment : workload_.attachments) count += !attachment.contentId.empty();
+        return count;
+    }
+
+    void FillMixed(curl_mime* mixed) {
+        FillRelated(curl_mime_addpart(mixed));
+        for (const auto& attachment : workload_.attachments) {
+            if (attachment.contentId.empty()) AddAttachment(mixed, attachment);
+        }
+    }
+
+    void FillRelated(curl_mimepart* part) {
+        if (InlineCount() == 0) return FillBodies(part);
         curl_mime* const related = AddMultipart(part, "multipart/related");
         FillBodies(curl_mime_addpart(related));
         for (const auto& attachment : workload_.attachments) {
@@ -172,10 +198,11 @@ private:
 
     static void AddAttachment(curl_mime* mime, const WorkloadAttachment& attachment) {
         curl_mimepart* const part = curl_mime_addpart(mime);
-        if (attachment.path.empty()) {
-            curl_mime_data(part, attachment.data.data(), attachment.data.size());
-        } else {
+        if (attachment.IsFile()) {
             Check(curl_mime_filedata(part, attachment.path.c_str()));
+        } else {
+            const AttachmentBytes bytes(attachment);
+            curl_mime_data(part, (*bytes).data(), (*bytes).size());
         }
         curl_mime_filename(part, attachment.name.c_str());
         curl_mime_type(part, attachment.type.c_str());
@@ -200,13 +227,14 @@ private:
 
     std::unique_ptr<CURL, EasyCleanup> easy_;
     Workload workload_;
+    std::string server_;
     mutable unsigned long count_ = 0;
     std::string out_;
 };
 
 }  // namespace
 
-std::unique_ptr<Contender> MakeCurlContender() {
+std::unique_ptr<Contender> MakeContender() {
     return std::make_unique<CurlContender>();
 }
 

@@ -2,7 +2,8 @@
 
 #include <stdexcept>
 
-#include "bench/side_by_side/contenders.h"
+#include "bench/side_by_side/contender.h"
+#include "bench/side_by_side/smtp_dialogue.h"
 
 namespace quorvane::bench {
 namespace {
@@ -30,25 +31,55 @@ public:
         g_mime_format_options_set_newline_format(options_.get(), GMIME_NEWLINE_FORMAT_DOS);
     }
 
-    std::string Name() const override { return "GMime"; }
-
-    void Prepare(const Workload& workload) override { workload_ = workload; }
+    void Prepare(const Workload& workload, int port) override {
+        workload_ = workload;
+        port_ = port;
+    }
 
     std::string_view Compose() override {
+        bytes_.reset(g_byte_array_new());
+        const Ref<GMimeStream> stream = StreamToBytes();
+        Write(stream.get());
+        return Bytes();
+    }
+
+    // GMime has no sender, but a filter that doubles the dots; the rest is the program's own.
+    void Send() override {
+        SmtpDialogue dialogue(port_);
+        dialogue.Open(workload_.senderAddress, workload_.recipientAddresses);
+        bytes_.reset(g_byte_array_new());
+        const Ref<GMimeStream> memory = StreamToBytes();
+        const Ref<GMimeStream> stream(g_mime_stream_filter_new(memory.get()));
+        const Ref<GMimeFilter> filter(g_mime_filter_smtp_data_new());
+        g_mime_stream_filter_add(GMIME_STREAM_FILTER(stream.get()), filter.get());
+        Write(stream.get());
+        g_mime_stream_flush(stream.get());
+        dialogue.SendText(Bytes());
+        dialogue.Close();
+    }
+
+private:
+    // A stream into bytes_.
+    Ref<GMimeStream> StreamToBytes() const {
+        Ref<GMimeStream> stream(g_mime_stream_mem_new());
+        auto* const memory = GMIME_STREAM_MEM(stream.get());
+        g_mime_stream_mem_set_owner(memory, FALSE);
+        g_mime_stream_mem_set_byte_array(memory, bytes_.get());
+        return stream;
+    }
+
+    std::string_view Bytes() const {
+        return {reinterpret_cast<const char*>(bytes_->data), bytes_->len};
+    }
+
+    void Write(GMimeStream* stream) {
         const Ref<GMimeMessage> message(g_mime_message_new(TRUE));
         FillHeader(message.get());
         const Ref<GMimeObject> body = Mixed();
         g_mime_message_set_mime_part(message.get(), body.get());
-        bytes_.reset(g_byte_array_new());
-        const Ref<GMimeStream> stream(g_mime_stream_mem_new());
-        auto* const memory = GMIME_STREAM_MEM(stream.get());
-        g_mime_stream_mem_set_owner(memory, FALSE);
-        g_mime_stream_mem_set_byte_array(memory, bytes_.get());
-        g_mime_object_write_to_stream(GMIME_OBJECT(message.get()), options_.get(), stream.get());
-        return {reinterpret_cast<const char*>(bytes_->data), bytes_->len};
+        g_mime_object_write_to_stream(GMIME_OBJECT(message.get()), options_.get(), stream);
     }
 
-private:
     void FillHeader(GMimeMessage* message) {
         g_mime_message_add_mailbox(message, GMIME_ADDRESS_TYPE_FROM, NameOf(workload_.senderName),
                                    workload_.senderAddress.c_str());
@@ -129,9 +160,9 @@ private:
         const std::size_t slash = attachment.type.find('/');
         GMimePart* const part = g_mime_part_new_with_type(
             attachment.type.substr(0, slash).c_str(), attachment.type.substr(slash + 1).c_str());
-        SetContent(part, attachment.path.empty()
-                             ? MemoryStream(attachment.data)
-                             : g_mime_stream_fs_open(attachment.path.c_str(), 0, 0, nullptr));
+        SetContent(part, attachment.IsFile()
+                             ? g_mime_stream_fs_open(attachment.path.c_str(), 0, 0, nullptr)
+                             : MemoryStream(*AttachmentBytes(attachment)));
         g_mime_part_set_content_encoding(part, GMIME_CONTENT_ENCODING_BASE64);
         GMimeObject* const object = GMIME_OBJECT(part);
         g_mime_object_set_disposition(object,
@@ -159,13 +190,14 @@ private:
 
     std::unique_ptr<GMimeFormatOptions, FreeOptions> options_;
     Workload workload_;
+    int port_ = 0;
     unsigned long count_ = 0;
     std::unique_ptr<GByteArray, FreeBytes> bytes_;
 };
 
 }  // namespace
 
-std::unique_ptr<Contender> MakeGmimeContender() {
+std::unique_ptr<Contender> MakeContender() {
     return std::make_unique<GmimeContender>();
 }
 

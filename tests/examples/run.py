@@ -6,6 +6,7 @@ BIN is the bin folder of a build. With an emulator it is a Windows build, whose 
 the scripts too.
 """
 
+import os
 import re
 import subprocess
 import sys
@@ -91,6 +92,17 @@ class Programs(Examples):
                 ("Menü.csv", "menu.csv"))})
 
 
+@unittest.skipIf(EMULATOR, "there is no shell")
+class Shell(Examples):
+    def test_simple(self):
+        path = {**os.environ, "PATH": f"{BIN}:{os.environ['PATH']}"}
+        done = subprocess.run([EXAMPLES / "simple.sh", "{}:{}".format(*self.server)], env=path,
+                              capture_output=True, text=True, timeout=TIMEOUT_SECONDS)
+        envelope, message = self.assert_sent((done.returncode, done.stdout.strip()))
+        self.assertEqual(envelope["to"], ["ann@example.org"])
+        self.assertEqual(message.get_payload(), "Dinner at eight?\r\n")
+
+
 class Scripts:
     """What the scripts of each language do."""
 
@@ -140,6 +152,33 @@ class Scripts:
 if EMULATOR:
     class VBScript(Scripts, Examples):
         language = "vbs"
+
+        def test_message(self):
+            self.assertEqual(self.run_script("message", *self.server), (0, ""))
+            [(envelope, raw)] = self.catcher.messages()
+            self.assertEqual((envelope["from"], envelope["to"]),
+                             ("jo@example.com", ["jo@example.com"]))
+            self.assertEqual(mime_check.parse(raw)["Subject"], "Tonight")
+
+        def test_headers(self):
+            _, message = self.assert_sent(self.run_script("headers", *self.server))
+            for name, value in (("Reply-To", '"Desk" <desk@bjork.example>'), ("Importance", "High"),
+                                ("Disposition-Notification-To", "zoe@bjork.example"),
+                                ("List-Unsubscribe",
+                                 "<mailto:desk@bjork.example?subject=unsubscribe>"),
+                                ("X-Campaign", "Midsummer")):
+                self.assertEqual(message[name], value)
+
+        def test_hundred(self):
+            status, said = self.run_script("hundred", *self.server)
+            self.assertEqual((status, said.splitlines()[-2:]),
+                             (0, ["0 left", "100 of 100 messages sent."]))
+            self.assertEqual({envelope["to"][0] for envelope, _ in self.catcher.messages()},
+                             {f"reader{i}@example.org" for i in range(1, 101)})
+
+        def test_direct(self):  # with an address for which nobody is asked
+            self.assertEqual(self.run_script("direct", "ann@", "host.example.com"),
+                             (1, "Not sent (-1): Invalid address: domain can't be empty"))
 
     class JScript(Scripts, Examples):
         language = "js"

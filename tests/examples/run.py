@@ -17,6 +17,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parents[2]
 sys.path += [str(ROOT / "tests" / "servers"), str(ROOT / "tests" / "real")]
 
+import certificate  # noqa: E402
 import mime_check  # noqa: E402
 from mail_catcher import Catcher  # noqa: E402
 
@@ -70,6 +71,24 @@ class Examples(unittest.TestCase):
                                 self.catcher.messages()),
                          sorted(["A long one", *(f"Short one {i}" for i in range(1, 11))]))
 
+    def relay(self, user, password):
+        """A catcher that wants encryption and this login, and a file with the password."""
+        folder = tempfile.TemporaryDirectory(prefix="quorvane-")
+        self.addCleanup(folder.cleanup)
+        path = Path(folder.name)
+        catcher = Catcher(path / "caught", "--certificate", *map(str, certificate.make(path)),
+                          "--login", user, password)
+        self.addCleanup(catcher.stop)
+        secret = path / "password"
+        secret.touch(0o600)
+        secret.write_text(password + "\n")
+        return catcher, secret
+
+    def assert_logged_in(self, catcher, outcome):
+        self.assertEqual(outcome, (0, "Sent."))
+        [(envelope, _)] = catcher.messages()
+        self.assertEqual(envelope["to"], ["ann@example.org"])
+
     def files(self, message):
         return {part.name: part.content for part in mime_check.leaves(message) if part.disposition}
 
@@ -94,13 +113,20 @@ class Programs(Examples):
 
 @unittest.skipIf(EMULATOR, "there is no shell")
 class Shell(Examples):
-    def test_simple(self):
+    def run_shell(self, name, port, folder=None):
         path = {**os.environ, "PATH": f"{BIN}:{os.environ['PATH']}"}
-        done = subprocess.run([EXAMPLES / "simple.sh", "{}:{}".format(*self.server)], env=path,
+        done = subprocess.run([EXAMPLES / f"{name}.sh", f"127.0.0.1:{port}"], env=path, cwd=folder,
                               capture_output=True, text=True, timeout=TIMEOUT_SECONDS)
-        envelope, message = self.assert_sent((done.returncode, done.stdout.strip()))
+        return done.returncode, (done.stdout + done.stderr).strip()
+
+    def test_simple(self):
+        envelope, message = self.assert_sent(self.run_shell("simple", self.catcher.port))
         self.assertEqual(envelope["to"], ["ann@example.org"])
         self.assertEqual(message.get_payload(), "Dinner at eight?\r\n")
+
+    def test_login(self):
+        catcher, secret = self.relay("zoe@bjork.example", "secret pass")
+        self.assert_logged_in(catcher, self.run_shell("login", catcher.port, secret.parent))
 
 
 class Scripts:
@@ -162,7 +188,7 @@ if EMULATOR:
 
         def test_headers(self):
             _, message = self.assert_sent(self.run_script("headers", *self.server))
-            for name, value in (("Reply-To", '"Desk" <desk@bjork.example>'), ("Importance", "High"),
+            for name, value in (("Reply-To", 'Desk <desk@bjork.example>'), ("Importance", "High"),
                                 ("Disposition-Notification-To", "zoe@bjork.example"),
                                 ("List-Unsubscribe",
                                  "<mailto:desk@bjork.example?subject=unsubscribe>"),
@@ -171,10 +197,16 @@ if EMULATOR:
 
         def test_hundred(self):
             status, said = self.run_script("hundred", *self.server)
-            self.assertEqual((status, said.splitlines()[-2:]),
-                             (0, ["0 left", "100 of 100 messages sent."]))
+            *waiting, last = said.splitlines()
+            self.assertEqual((status, last), (0, "100 of 100 messages sent."))
+            self.assertTrue(waiting and all(line.endswith(" left") for line in waiting), said)
             self.assertEqual({envelope["to"][0] for envelope, _ in self.catcher.messages()},
                              {f"reader{i}@example.org" for i in range(1, 101)})
+
+        def test_login(self):
+            catcher, secret = self.relay("zoe@bjork.example", "secret pass")
+            self.assert_logged_in(catcher, self.run_script("login", "127.0.0.1", catcher.port,
+                                                           f"Z:{secret}"))
 
         def test_direct(self):  # with an address for which nobody is asked
             self.assertEqual(self.run_script("direct", "ann@", "host.example.com"),

@@ -16,6 +16,7 @@ class Client:
             "quorvane-send.exe" if windows else "quorvane-send")
         if not program.exists():
             raise FileNotFoundError(f"{program} is not built")
+        self.program = program
         self._command = [str(program)]
         if windows:
             self._command.insert(0, str(ROOT / "scripts/lib/run-wine"))
@@ -27,6 +28,22 @@ class Client:
         other._command = [*command, *self._command]
         other._environment = environment
         return other
+
+    def inside_network(self, network, add_cleanup):
+        """The same, run in a namespace; what that takes ends with the cleanups."""
+        if not self.windows:
+            return self.inside(network.command, {})
+        # The server of a Wine prefix makes the sockets, so it has to live in the namespace.
+        prefix = ROOT / "build" / "wine-prefix-namespace"
+        script = ROOT / "scripts/lib/wine-env.sh"
+        for option in ("", "--stop"):
+            command = [*network.command, "bash", "-c", f'unset QUORVANE_WINE_READY; '
+                       f'. "{script}" {option} "{prefix}"']
+            if option:
+                add_cleanup(subprocess.run, command, stdin=subprocess.DEVNULL)
+            else:
+                subprocess.run(command, stdin=subprocess.DEVNULL, check=True)
+        return self.inside(network.command, {"QUORVANE_WINE_READY": str(prefix)})
 
     def _all_variables(self):
         # Wine reads names and arguments by the locale, which a build server may leave unset.

@@ -8,6 +8,7 @@ import os
 import pathlib
 import pwd
 import shutil
+import signal
 import socket
 import subprocess
 import time
@@ -20,6 +21,7 @@ USER, PASSWORD = "zoë", "secret pass: word"
 NTLM_USER = "zoe"  # Exim reads the names of NTLM as ASCII
 REFUSED = "refused"  # local part of the address that nobody has
 REFUSAL = "Nobody of that name lives here"
+LISTENING = "listening for SMTP"  # of its log
 
 CONFIGURATION = r"""
 primary_hostname = exim.test
@@ -29,7 +31,7 @@ pid_file_path = {folder}/exim.pid
 exim_user = {user}
 exim_group = {group}
 deliver_drop_privilege = {drop}
-local_interfaces = 127.0.0.1
+local_interfaces = {address}
 daemon_smtp_ports = {port} : {tls_port}
 tls_on_connect_ports = {tls_port}
 tls_certificate = {certificate}
@@ -96,7 +98,7 @@ class Message:
 
     @classmethod
     def _split_trace(cls, stored):
-        """The fields that the server put in front, and the message as it came."""
+        """The fields that servers put in front, the last server's, and the message as it came."""
         fields, rest = {}, stored
         while rest.partition(b":")[0].lower() in cls.TRACE:
             name, _, value = rest.partition(b":")
@@ -104,76 +106,57 @@ class Message:
             count = 1
             while lines[count][:1] in (b" ", b"\t"):
                 count += 1
-            fields[name.lower()] = b" ".join(lines[:count]).decode("utf-8")
+            fields.setdefault(name.lower(), b" ".join(lines[:count]).decode("utf-8"))
             rest = b"\r\n".join(lines[count:])
         return fields, rest
 
 
-class Exim:
-    def __init__(self, folder):
+class Daemon:
+    """An Exim in the foreground, with a configuration of the caller's."""
+
+    def __init__(self, folder, command=()):
+        """Run by the command that stands in front. The folder belongs to Exim then."""
         self.folder = pathlib.Path(folder)
-        self.inbox = self.folder / "inbox" / "new"
-        self.port = None
-        self.tls_port = None  # encrypted from the start
-        self._certificate = certificate.make(self.folder)
-        self._process = None
-
-    def _free_ports(self):
-        """Two different ones."""
-        with socket.socket() as one, socket.socket() as other:
-            for probe in (one, other):
-                probe.bind(("127.0.0.1", 0))
-            return one.getsockname()[1], other.getsockname()[1]
-
-    def _configure(self, port, tls_port):
+        self.folder.mkdir(exist_ok=True)
         root = os.geteuid() == 0
-        account = pwd.getpwnam("Debian-exim") if root else pwd.getpwuid(os.geteuid())
+        self.account = pwd.getpwnam("Debian-exim") if root else pwd.getpwuid(os.geteuid())
         for name in ("spool", "log", "inbox"):
             (self.folder / name).mkdir(exist_ok=True)
-            if root:
-                os.chown(self.folder / name, account.pw_uid, account.pw_gid)
+            self.give(self.folder / name)
         if root:
-            for path in self._certificate:
-                os.chown(path, account.pw_uid, account.pw_gid)
             self.folder.chmod(0o711)  # its user has to get to its folders
-        # As the address of the account goes out in the thread's 8-bit character set.
-        login = USER.encode("cp1252").decode("latin-1")
-        configuration = self.folder / "exim.conf"
-        configuration.write_text(CONFIGURATION.format(
-            folder=self.folder, port=port, tls_port=tls_port, certificate=self._certificate[0],
-            key=self._certificate[1], size_limit=SIZE_LIMIT, refused=REFUSED, refusal=REFUSAL,
-            user=account.pw_name, group=account.pw_gid, drop="false" if root else "true",
-            login=login, ntlm_user=NTLM_USER, password=PASSWORD), encoding="latin-1")
-        return configuration
+        self.configuration = self.folder / "exim.conf"
+        self._command = [*command, BINARY, "-C", str(self.configuration)]
+        self._process = None
+
+    def give(self, path):
+        """Makes it Exim's own."""
+        if os.geteuid() == 0:
+            os.chown(path, self.account.pw_uid, self.account.pw_gid)
 
     def start(self):
-        """Starts it and waits until it listens; tries other ports when another program is faster."""
-        for _ in range(5):
-            port, tls_port = self._free_ports()
-            configuration = self._configure(port, tls_port)
-            with open(self.folder / "out.log", "wb") as out:
-                self._process = subprocess.Popen(
-                    [BINARY, "-C", str(configuration), "-bdf"], stdin=subprocess.DEVNULL,
-                    stdout=out, stderr=out, env={"PATH": os.environ["PATH"]})
-            if self._listens(port):
-                self.port, self.tls_port = port, tls_port
-                return
-            self.stop()
-        raise RuntimeError("Exim did not start:\n" + self.log())
-
-    def _listens(self, port):
-        for _ in range(200):
+        """Starts it; True when it listens."""
+        before = self.log().count(LISTENING)
+        with open(self.folder / "out.log", "ab") as out:
+            self._process = subprocess.Popen([*self._command, "-bdf"], stdin=subprocess.DEVNULL,
+                                             stdout=out, stderr=out,
+                                             env={"PATH": os.environ["PATH"]})
+        for _ in range(400):
+            if self.log().count(LISTENING) > before:
+                return True
             if self._process.poll() is not None:
-                return False
-            with socket.socket() as probe:
-                if probe.connect_ex(("127.0.0.1", port)) == 0:
-                    return True
+                break
             time.sleep(0.05)
+        self.stop()
         return False
 
-    def stop(self):
+    def run_queue(self):
+        """Tries everything that waits, now."""
+        subprocess.run([*self._command, "-qff"], check=True, stdin=subprocess.DEVNULL, timeout=60)
+
+    def stop(self, signal=signal.SIGTERM):
         if self._process:
-            self._process.terminate()
+            self._process.send_signal(signal)
             try:
                 self._process.wait(10)
             except subprocess.TimeoutExpired:
@@ -186,6 +169,50 @@ class Exim:
                        for path in [self.folder / "out.log", *self.folder.glob("log/*")]
                        if path.exists())
 
+
+class Exim(Daemon):
+    """One that takes mail into its inbox: at a free port of its address, and encrypted from the start
+    at another one; or at the given ports."""
+
+    def __init__(self, folder, address="127.0.0.1", ports=None, login=(USER, PASSWORD),
+                 certificate_files=None, command=()):
+        super().__init__(folder, command)
+        self.inbox = self.folder / "inbox" / "new"
+        self.port, self.tls_port = ports or (None, None)
+        self._address, self._login = address, login
+        self._certificate = certificate_files or certificate.make(self.folder)
+        for path in self._certificate:
+            self.give(path)
+
+    def _free_ports(self):
+        """Two different ones."""
+        with socket.socket() as one, socket.socket() as other:
+            for probe in (one, other):
+                probe.bind(("127.0.0.1", 0))
+            return one.getsockname()[1], other.getsockname()[1]
+
+    def _configure(self, port, tls_port):
+        user, password = self._login
+        # As the address of the account goes out in the thread's 8-bit character set.
+        login = user.encode("cp1252").decode("latin-1")
+        self.configuration.write_text(CONFIGURATION.format(
+            folder=self.folder, address=self._address, port=port, tls_port=tls_port,
+            certificate=self._certificate[0], key=self._certificate[1], size_limit=SIZE_LIMIT,
+            refused=REFUSED, refusal=REFUSAL, user=self.account.pw_name, group=self.account.pw_gid,
+            drop="false" if os.geteuid() == 0 else "true", login=login, ntlm_user=NTLM_USER,
+            password=password), encoding="latin-1")
+
+    def start(self):
+        """Starts it and waits until it listens; tries other ports when another program is faster."""
+        given = self.port and (self.port, self.tls_port)
+        for _ in range(5):
+            port, tls_port = given or self._free_ports()
+            self._configure(port, tls_port)
+            if super().start():
+                self.port, self.tls_port = port, tls_port
+                return
+        raise RuntimeError("Exim did not start:\n" + self.log())
+
     def empty(self):
         for path in self._stored():
             path.unlink()
@@ -193,14 +220,18 @@ class Exim:
     def _stored(self):
         return list(self.inbox.iterdir()) if self.inbox.exists() else []
 
+    def messages(self):
+        """Those that have been delivered since empty()."""
+        return [Message(path.read_bytes()) for path in self._stored()]
+
     def wait_for_message(self, seconds=20):
         """The one message that has been delivered since empty(), as soon as it is there."""
         deadline = time.monotonic() + seconds
         while time.monotonic() < deadline:
-            stored = self._stored()
+            stored = self.messages()
             if stored:
                 if len(stored) > 1:
                     raise AssertionError(f"{len(stored)} messages were delivered, not 1")
-                return Message(stored[0].read_bytes())
+                return stored[0]
             time.sleep(0.02)
         raise AssertionError("no message was delivered:\n" + self.log())

@@ -17,6 +17,7 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "servers"))
 
+import test_beyond  # noqa: E402
 import test_command_line  # noqa: E402
 import test_direct  # noqa: E402
 import test_gallery  # noqa: E402
@@ -25,7 +26,7 @@ import test_relay  # noqa: E402
 import test_tls  # noqa: E402
 from client import ROOT, Client  # noqa: E402
 
-MODULES = (test_relay, test_tls, test_direct, test_command_line, test_queue,
+MODULES = (test_relay, test_tls, test_direct, test_beyond, test_command_line, test_queue,
            test_gallery)
 
 

@@ -2,6 +2,7 @@
 
 import concurrent.futures
 import json
+import os
 import subprocess
 import tempfile
 from pathlib import Path
@@ -44,6 +45,8 @@ null-among-others MX 10 mx1
     f"{domain} MX {10 * i} {'mx1' if i == alive else f'gone{i}-with-a-long-name'}\n"
     for domain, alive in (("hundred", 100), ("too-many-dead", 101)) for i in range(1, alive + 1))
 
+EXAMPLE_ZONE = f"@ MX 10 mx1\nmx1 A {MX1}\n"
+
 # What only the public resolvers know.
 PUBLIC_ZONE = f"""
 mx1 A {MX1}
@@ -73,7 +76,8 @@ class DirectTest(SendTest):
         cls.addClassCleanup(cls.network.stop)
         command = cls.network.command
         broken = {"broken.test": None}
-        for name, addresses, zones in (("resolver", [RESOLVER], {"test": ZONE, **broken}),
+        for name, addresses, zones in (("resolver", [RESOLVER],
+                                        {"test": ZONE, "example.org": EXAMPLE_ZONE, **broken}),
                                        ("public", PUBLIC_RESOLVERS,
                                         {"test": PUBLIC_ZONE, **broken})):
             server = name_server.NameServer(scratch / name, command, addresses, zones)
@@ -81,23 +85,7 @@ class DirectTest(SendTest):
         cls.catcher = Catcher(scratch / "caught", "--port=25", f"--host={MX1}", f"--host={MX2}",
                               f"--host={MX3}", command=command)
         cls.addClassCleanup(cls.catcher.stop)
-        cls.inside = cls.client.inside(command, cls.environment())
-
-    @classmethod
-    def environment(cls):
-        if not cls.client.windows:
-            return {}
-        # The server of a Wine prefix makes the sockets, so it has to live in the namespace.
-        prefix = ROOT / "build" / "wine-prefix-namespace"
-        script = ROOT / "scripts/lib/wine-env.sh"
-        for option in ("", "--stop"):
-            command = [*cls.network.command, "bash", "-c", f'unset QUORVANE_WINE_READY; '
-                       f'. "{script}" {option} "{prefix}"']
-            if option:
-                cls.addClassCleanup(subprocess.run, command, stdin=subprocess.DEVNULL)
-            else:
-                subprocess.run(command, stdin=subprocess.DEVNULL, check=True)
-        return {"QUORVANE_WINE_READY": str(prefix)}
+        cls.inside = cls.client.inside_network(cls.network, cls.addClassCleanup)
 
     def setUp(self):
         if self.unavailable:
@@ -128,6 +116,15 @@ class DirectTest(SendTest):
         # Wine's DNS client knows fewer kinds of failure, and has no texts for them.
         words = f"DNS error {wine_number}" if self.client.windows else words + "\r\n"
         return f"Couldn't find mail server for domain '{domain}' - {words}"
+
+    def test_example(self):
+        if self.client.windows:
+            return  # there is no shell
+        path = {**os.environ, "PATH": f"{self.client.program.parent}:{os.environ['PATH']}"}
+        done = subprocess.run([*self.network.command, ROOT / "examples" / "direct.sh"], env=path,
+                              stdin=subprocess.DEVNULL, capture_output=True, text=True)
+        self.assertEqual((done.returncode, done.stdout), (0, "Sent.\n"), done.stderr)
+        self.assertEqual(self.delivered(), [(MX1, ["ann@example.org"])])
 
     def test_exchangers_are_tried_in_the_order_of_their_preference(self):
         self.assert_delivered("order.test", MX1)

@@ -5,6 +5,7 @@ Prints the port it listens on as its first line. Message N becomes two files, N 
 `N.eml` holds the bytes that came after DATA, with the doubled dots undone and nothing else
 changed; `N.json` holds the envelope and the address that took it, and appears only when both are
 complete. A recipient with the local part "refused" is refused.
+With --certificate and --login it takes mail only from who has encrypted the connection and logged in.
 
 It ends when the process that started it is gone, or after --limit seconds.
 """
@@ -14,14 +15,17 @@ import asyncio
 import json
 import os
 import pathlib
+import ssl
 import sys
 
-from aiosmtpd.smtp import SMTP
+from aiosmtpd.smtp import SMTP, AuthResult
 
 
 class Catcher(SMTP):
     # Long header fields are none of our business: a line may have up to this many bytes.
     line_length_limit = 1 << 20
+    # As mail servers ask.
+    AuthLoginUsernameChallenge, AuthLoginPasswordChallenge = "Username:", "Password:"
 
 
 class Folder:
@@ -59,8 +63,18 @@ async def catch(arguments):
     folder = Folder(arguments.folder)
     arguments.folder.mkdir(parents=True, exist_ok=True)
 
+    security = {}
+    if arguments.certificate:
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.load_cert_chain(*arguments.certificate)
+        login = tuple(word.encode() for word in arguments.login)
+        security = {"tls_context": context, "require_starttls": True, "auth_required": True,
+                    "authenticator": lambda server, session, envelope, mechanism, data: AuthResult(
+                        success=(data.login, data.password) == login)}
+
     def connection():
-        return Catcher(folder, data_size_limit=None, hostname="catcher.test", ident="ready")
+        return Catcher(folder, data_size_limit=None, hostname="catcher.test", ident="ready",
+                       **security)
 
     server = await asyncio.get_running_loop().create_server(
         connection, arguments.host or "127.0.0.1", arguments.port)
@@ -78,6 +92,10 @@ def main():
     parser.add_argument("--host", action="append",
                         help="address to listen on (default: 127.0.0.1); may be repeated")
     parser.add_argument("--port", type=int, default=0, help="port to listen on (default: a free one)")
+    parser.add_argument("--certificate", nargs=2, metavar=("CERTIFICATE", "KEY"),
+                        help="PEM files for STARTTLS, which it wants then")
+    parser.add_argument("--login", nargs=2, metavar=("USER", "PASSWORD"),
+                        help="account of those who may send (with --certificate)")
     parser.add_argument("--limit", type=float, default=600, help="seconds after which it ends")
     try:
         asyncio.run(catch(parser.parse_args()))

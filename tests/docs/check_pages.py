@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Fails when a sample in the documentation isn't what a file of examples/ says.
+"""Fails when the documentation says what the repository doesn't.
 
-Above a fenced block in a language that programs are written in stands
+A sample is what a file of examples/ says. Above a fenced block in a programming language stands
 
     <!-- example: simple.vbs -->
 
@@ -9,7 +9,7 @@ and every line of the block stands in that file, in this order, without gaps but
 line "...". Indentation as a whole doesn't count. What the file takes from its command line is a value
 in the documentation, as in STAND_INS. The examples themselves are run by other tests.
 
-Also fails when the guide to errors lacks a text of the component.
+The guide to errors has every text of the component. A path in backquotes is one of the repository.
 """
 
 import re
@@ -24,6 +24,8 @@ STAND_INS = {".vbs": {"WScript.Arguments(0)": '"mail.example.com"', "WScript.Arg
              ".js": {"WScript.Arguments(0)": '"mail.example.com"'},
              ".cpp": {"arguments[1]": '"mail.example.com"'},
              ".sh": {'"$1"': "mail.example.com"}}
+PATH = re.compile(r"`((?:automation|bench|cli|cmake|component|docs|examples|fuzz|include|mime|model|"
+                  r"packaging|platform|scripts|server|smtp|tests)/[\w./-]*)`")
 BLOCK = re.compile(r"(?:^<!-- example: (\S+) -->\n)?^```(\w*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 
 
@@ -69,6 +71,12 @@ def faults_of(page):
             yield f"{where} is of no example"
 
 
+def missing_paths(page):
+    for path in PATH.findall(page.read_text("utf-8")):
+        if "NAME" not in path and not (ROOT / path).exists():
+            yield f"{page.relative_to(ROOT)}: there is no {path}"
+
+
 def told_texts():
     """The pieces of the component's texts that tell one from another."""
     for path in ("smtp/failure_text.cpp", "component/send_method.cpp", "component/smtp_mail_queue.cpp",
@@ -80,8 +88,9 @@ def told_texts():
 
 
 def main():
-    pages = [ROOT / "README.md", ROOT / "SECURITY.md", *sorted((ROOT / "docs").rglob("*.md"))]
-    faults = [fault for page in pages for fault in faults_of(page)]
+    pages = [ROOT / name for name in ("README.md", "SECURITY.md", "CONTRIBUTING.md")]
+    pages += sorted((ROOT / "docs").rglob("*.md"))
+    faults = [fault for page in pages for find in (faults_of, missing_paths) for fault in find(page)]
     guide = " ".join((ROOT / "docs/guide/errors.md").read_text("utf-8").split())
     faults += [f"docs/guide/errors.md doesn't know {text!r} of {path}"
                for path, text in told_texts() if text not in guide]

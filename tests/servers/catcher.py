@@ -13,6 +13,7 @@ It ends when the process that started it is gone, or after --limit seconds.
 import argparse
 import asyncio
 import json
+import logging
 import os
 import pathlib
 import ssl
@@ -67,6 +68,7 @@ async def catch(arguments):
     if arguments.certificate:
         context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
         context.load_cert_chain(*arguments.certificate)
+        logging.getLogger("mail.log").setLevel(logging.ERROR)  # it warns of its own old ways
         login = tuple(word.encode() for word in arguments.login)
         security = {"tls_context": context, "require_starttls": True, "auth_required": True,
                     "authenticator": lambda server, session, envelope, mechanism, data: AuthResult(

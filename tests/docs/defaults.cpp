@@ -29,8 +29,9 @@ void PrintProperty(const char* interfaceName, IDispatch* object, ITypeInfo* info
     qv::Bstr name;
     Check(info->GetDocumentation(function.memid, name.Put(), nullptr, nullptr, nullptr));
     DISPPARAMS none{};
+    const IID reserved{};
     qv::Variant value;
-    Check(object->Invoke(function.memid, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, value.Put(),
+    Check(object->Invoke(function.memid, reserved, 0, DISPATCH_PROPERTYGET, &none, value.Put(),
                          nullptr, nullptr));
     std::cout << interfaceName << '.' << name.utf8() << ' ' << Text(value.get()) << '\n';
 }

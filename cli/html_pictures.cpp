@@ -13,12 +13,6 @@ namespace {
 
 using client::Bstr;
 
-// The component looks for the file's folder in front of the last backslash.
-Bstr ImportPath(std::string file) {
-    std::replace(file.begin(), file.end(), '/', '\\');
-    return Bstr(file);
-}
-
 // The bytes that the component took for characters of the ANSI code page.
 std::string AnsiBytes(BSTR text) {
     const int units = static_cast<int>(SysStringLen(text));
@@ -39,11 +33,11 @@ std::string BeyondAscii(std::string_view text) {
 }  // namespace
 
 std::string ImportPictures(const std::string& file, const std::string& html,
-                           const client::ComPtr<IMailMessage>& message) {
+                           client::Message& message) {
     Bstr imported;
     try {
-        client::Check(message->ImportHTML(ImportPath(file)), message);
-        client::Check(message->get_MessageBody(imported.Put()), message);
+        message.ImportHtml(file);
+        client::Check(message.com()->get_MessageBody(imported.Put()), message.com());
     } catch (const client::Error& error) {
         throw UsageError(std::string(error.what()) + ". With --no-import it is sent as it is.");
     }

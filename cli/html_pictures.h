@@ -11,6 +11,6 @@ namespace quorvane::cli {
 // with references to them instead. Both texts are UTF-8 with mail's line ends; `html` is the
 // file's as it was read. Throws UsageError when the component can't import it.
 std::string ImportPictures(const std::string& file, const std::string& html,
-                           const client::ComPtr<IMailMessage>& message);
+                           client::Message& message);
 
 }  // namespace quorvane::cli

@@ -11,9 +11,7 @@ namespace quorvane::cli {
 namespace {
 
 using client::Bstr;
-using client::Check;
-using client::ComPtr;
-using client::Create;
+using client::Message;
 
 // The component's name for UTF-8. Any other character set that it is given is a label for text
 // whose UTF-16 units it reduces to their low bytes.
@@ -94,76 +92,55 @@ private:
     bool headerIsBytes_ = false;
 };
 
-ComPtr<IMailAddress> MakeAddress(const Address& address, const Charsets& charsets) {
-    auto object = Create<IMailAddress>();
-    Check(object->put_Name(charsets.HeaderText(address.name)), object);
-    Check(object->put_Address(Bstr(address.address)), object);
-    return object;
+client::Mailbox MakeAddress(const Address& address, const Charsets& charsets) {
+    return client::Mailbox(charsets.HeaderText(address.name), address.address);
 }
 
-void AddFile(const FileArgument& file, const Charsets& charsets,
-             const ComPtr<IMailMessage>& message) {
-    auto object = Create<IMailAttachment>();
-    Check(object->put_File(Bstr(file.file)), object);
-    Check(object->put_Name(charsets.HeaderText(file.name)), object);
-    Check(object->put_ContentType(Bstr(file.contentType)), object);
-    Check(object->put_Charset(Bstr(file.charset)), object);
-    if (!file.contentId.empty()) {
-        Check(object->put_Inline(VARIANT_TRUE), object);
-        Check(object->put_ContentId(Bstr(file.contentId)), object);
-    }
-    Check(message->AddAttachment(object), message);
+client::Attachment MakeAttachment(const FileArgument& file, const Charsets& charsets) {
+    client::Attachment attachment(file.file);
+    attachment.Name(charsets.HeaderText(file.name))
+        .ContentType(file.contentType)
+        .Charset(file.charset);
+    if (!file.contentId.empty()) attachment.Inline(file.contentId);
+    return attachment;
 }
 
-void SetAddresses(const Options& options, const Charsets& charsets,
-                  const ComPtr<IMailMessage>& message) {
-    Check(message->put_Sender(MakeAddress(options.from, charsets)), message);
-    if (!options.replyTo.address.empty()) {
-        Check(message->put_ReplyTo(MakeAddress(options.replyTo, charsets)), message);
-    }
-    for (const Address& to : options.to) {
-        Check(message->AddRecipient(MakeAddress(to, charsets)), message);
-    }
-    for (const Address& cc : options.cc) {
-        Check(message->AddCcRecipient(MakeAddress(cc, charsets)), message);
-    }
-    for (const Address& bcc : options.bcc) {
-        Check(message->AddBccRecipient(MakeAddress(bcc, charsets)), message);
-    }
+void SetAddresses(const Options& options, const Charsets& charsets, Message& message) {
+    message.From(MakeAddress(options.from, charsets));
+    if (!options.replyTo.address.empty()) message.ReplyTo(MakeAddress(options.replyTo, charsets));
+    for (const Address& to : options.to) message.To(MakeAddress(to, charsets));
+    for (const Address& cc : options.cc) message.Cc(MakeAddress(cc, charsets));
+    for (const Address& bcc : options.bcc) message.Bcc(MakeAddress(bcc, charsets));
 }
 
-void SetBodies(const Options& options, const Charsets& charsets,
-               const ComPtr<IMailMessage>& message) {
-    Check(message->put_MessageBodyFormat(options.html ? MailFormatHtml : MailFormatText), message);
+void SetBodies(const Options& options, const Charsets& charsets, Message& message) {
     const std::string body = options.picturesOf.empty()
                                  ? options.body
                                  : ImportPictures(options.picturesOf, options.body, message);
-    Check(message->put_MessageBody(Charsets::Text(body, charsets.body())), message);
-    Check(message->put_MessageBodyFile(Bstr(options.bodyFile)), message);
-    Check(message->put_MessageBodyCharset(Bstr(charsets.body())), message);
-    Check(message->put_MessageBodyEncoding(options.encoding), message);
-    Check(message->put_AltMessageBody(Charsets::Text(options.alternative, charsets.alternative())),
-          message);
-    Check(message->put_AltMessageBodyCharset(Bstr(charsets.alternative())), message);
-    Check(message->put_AltMessageBodyEncoding(options.encoding), message);
+    message
+        .Body(Charsets::Text(body, charsets.body()), options.html ? MailFormatHtml : MailFormatText)
+        .BodyFile(options.bodyFile)
+        .Charset(charsets.body())
+        .Alternative(Charsets::Text(options.alternative, charsets.alternative()))
+        .AlternativeCharset(charsets.alternative())
+        .Encoding(options.encoding);
 }
 
 }  // namespace
 
-ComPtr<IMailMessage> BuildMessage(const Options& options) {
+client::Message BuildMessage(const Options& options) {
     const Charsets charsets(options);
-    auto message = Create<IMailMessage>();
+    Message message;
     SetAddresses(options, charsets, message);
-    Check(message->put_MessageSubject(charsets.HeaderText(options.subject)), message);
-    Check(message->put_MessageId(Bstr(options.messageId)), message);
-    Check(message->put_MessagePriority(options.priority), message);
-    Check(message->put_RequestReadReceipt(options.readReceipt ? VARIANT_TRUE : VARIANT_FALSE),
-          message);
-    for (const Header& header : options.headers) {
-        Check(message->AddHeader(Bstr(header.name), Bstr(header.value)), message);
-    }
+    message.Subject(charsets.HeaderText(options.subject))
+        .Id(options.messageId)
+        .Priority(options.priority)
+        .ReadReceipt(options.readReceipt);
+    for (const Header& header : options.headers) message.Header(header.name, header.value);
     SetBodies(options, charsets, message);
-    for (const FileArgument& file : options.files) AddFile(file, charsets, message);
+    for (const FileArgument& file : options.files) {
+        message.Attach(MakeAttachment(file, charsets));
+    }
     return message;
 }
 

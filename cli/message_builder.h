@@ -8,6 +8,6 @@ namespace quorvane::cli {
 
 // Throws UsageError when a text can't be written in the character set that was asked for, and
 // client::Error when the component refuses something.
-client::ComPtr<IMailMessage> BuildMessage(const Options& options);
+client::Message BuildMessage(const Options& options);
 
 }  // namespace quorvane::cli

@@ -13,8 +13,6 @@
 namespace quorvane::cli {
 namespace {
 
-using client::Check;
-using client::ComPtr;
 using client::Outcome;
 using Clock = std::chrono::steady_clock;
 
@@ -65,20 +63,20 @@ private:
 
 class QueuedSend {
 public:
-    QueuedSend(const Options& options, ComPtr<ISmtpMail> mail, ComPtr<IMailMessage> message)
+    QueuedSend(const Options& options, client::Mailer& mailer, const client::Message& message)
         : options_(options),
-          mail_(std::move(mail)),
-          message_(std::move(message)),
+          mailer_(mailer),
+          message_(message),
           display_(options),
           queuedAhead_(std::max(kQueuedAhead, 2 * static_cast<std::size_t>(options.threads))) {
         progress_.count = options.count;
-        Check(mail_->put_MaxThreads(options.threads), mail_);
+        mailer_.MaxThreads(options.threads);
     }
 
     ExitStatus Run() {
         system::WatchForInterrupt();
         const client::EventListener listener(
-            mail_, [](LONG, MailStatus) {},
+            mailer_, [](LONG, MailStatus) {},
             [this](LONG number, LONG sent, LONG total) {
                 // An event may come after its message has been told of.
                 if (unfinished_.contains(number)) inFlight_[number] = {sent, total};
@@ -100,17 +98,14 @@ private:
     void TakeInterrupt() {
         if (interrupted_ || !system::Interrupted()) return;
         interrupted_ = true;
-        Check(mail_->CancelAll(), mail_);
+        mailer_.CancelAll();
     }
 
     void QueueMore() {
         while (!interrupted_ && queued_ < options_.count && unfinished_.size() < queuedAhead_) {
-            LONG number = 0;
             ++queued_;
             try {
-                const VARIANT_BOOL useServer = options_.direct ? VARIANT_FALSE : VARIANT_TRUE;
-                Check(mail_->SendAsync(message_, useServer, &number), mail_);
-                unfinished_.insert(number);
+                unfinished_.insert(mailer_.Queue(message_));
             } catch (const client::Error& error) {
                 // Refused at the first time, it would be at every other.
                 if (error.status() == E_INVALIDARG && queued_ == 1) throw UsageError(error.what());
@@ -121,18 +116,12 @@ private:
 
     void CollectEnded() {
         for (auto number = unfinished_.begin(); number != unfinished_.end();) {
-            MailStatus status = MailStatusQueued;
-            Check(mail_->GetStatus(*number, &status), mail_);
+            const MailStatus status = mailer_.Status(*number);
             if (status < MailStatusSent) {
                 ++number;
                 continue;
             }
-            Outcome outcome;
-            client::Bstr text;
-            Check(mail_->GetErrorCode(*number, &outcome.code), mail_);
-            Check(mail_->GetErrorDescription(*number, text.Put()), mail_);
-            outcome.text = text.utf8();
-            Tell(*number, status, outcome);
+            Tell(*number, status, mailer_.OutcomeOf(*number));
             inFlight_.erase(*number);
             number = unfinished_.erase(number);
         }
@@ -179,8 +168,8 @@ private:
     };
 
     const Options& options_;
-    const ComPtr<ISmtpMail> mail_;
-    const ComPtr<IMailMessage> message_;
+    client::Mailer& mailer_;
+    const client::Message& message_;
     Display display_;
     Progress progress_;
     const Clock::time_point start_ = Clock::now();
@@ -193,9 +182,9 @@ private:
 
 }  // namespace
 
-ExitStatus SendThroughQueue(const Options& options, const ComPtr<ISmtpMail>& mail,
-                            const ComPtr<IMailMessage>& message) {
-    return QueuedSend(options, mail, message).Run();
+ExitStatus SendThroughQueue(const Options& options, client::Mailer& mailer,
+                            const client::Message& message) {
+    return QueuedSend(options, mailer, message).Run();
 }
 
 }  // namespace quorvane::cli

@@ -10,7 +10,7 @@ namespace quorvane::cli {
 // Queues the message as often as the options say, and tells how it goes until all have ended or the
 // user interrupts it: then what is queued is cancelled. Throws UsageError for a message that the
 // component refuses.
-ExitStatus SendThroughQueue(const Options& options, const client::ComPtr<ISmtpMail>& mail,
-                            const client::ComPtr<IMailMessage>& message);
+ExitStatus SendThroughQueue(const Options& options, client::Mailer& mailer,
+                            const client::Message& message);
 
 }  // namespace quorvane::cli

@@ -1,5 +1,7 @@
 #include "cli/run.h"
 
+#include <chrono>
+
 #include "cli/message_builder.h"
 #include "cli/options.h"
 #include "cli/output.h"
@@ -10,31 +12,25 @@ namespace quorvane::cli {
 
 namespace {
 
-using client::Bstr;
-using client::Check;
-using client::ComPtr;
+using client::Mailer;
 using client::Outcome;
 
-ComPtr<ISmtpMail> MakeSender(const Options& options) {
-    auto mail = client::Create<ISmtpMail>();
-    Check(mail->put_SmtpServer(Bstr(options.server.host)), mail);
-    Check(mail->put_SmtpPort(options.server.port), mail);
-    Check(mail->put_SmtpUsername(Bstr(options.user)), mail);
-    Check(mail->put_SmtpPassword(Bstr(options.password)), mail);
-    Check(mail->put_SmtpSPA(options.spa ? VARIANT_TRUE : VARIANT_FALSE), mail);
-    Check(mail->put_SmtpSSL(options.ssl ? VARIANT_TRUE : VARIANT_FALSE), mail);
-    Check(mail->put_ReplyTimeout(options.timeout), mail);
-    Check(mail->put_ConnectAttempts(options.attempts), mail);
-    Check(mail->put_SenderHostname(Bstr(options.helo)), mail);
-    return mail;
+Mailer MakeMailer(const Options& options) {
+    Mailer mailer = options.direct ? Mailer() : Mailer(options.server.host, options.server.port);
+    mailer.User(options.user, options.password)
+        .Spa(options.spa)
+        .Ssl(options.ssl)
+        .ReplyTimeout(std::chrono::seconds(options.timeout))
+        .ConnectAttempts(options.attempts)
+        .SenderHostname(options.helo);
+    return mailer;
 }
 
 // A message that the component didn't even attempt counts as wrong use, unless the fault was not
 // in the message.
-Outcome SendOnce(const ComPtr<ISmtpMail>& mail, const ComPtr<IMailMessage>& message,
-                 bool useServer) {
+Outcome SendOnce(Mailer& mailer, const client::Message& message) {
     try {
-        return client::Send(mail, message, useServer);
+        return mailer.Send(message);
     } catch (const client::Error& error) {
         if (error.status() == E_INVALIDARG) throw UsageError(error.what());
         return {-1, error.what()};
@@ -44,11 +40,11 @@ Outcome SendOnce(const ComPtr<ISmtpMail>& mail, const ComPtr<IMailMessage>& mess
 ExitStatus SendAll(const Options& options) {
     const client::Apartment apartment;
     const auto message = BuildMessage(options);
-    const auto mail = MakeSender(options);
-    if (options.async) return SendThroughQueue(options, mail, message);
+    Mailer mailer = MakeMailer(options);
+    if (options.async) return SendThroughQueue(options, mailer, message);
     int sent = 0;
     for (int i = 0; i < options.count; ++i) {
-        const Outcome outcome = SendOnce(mail, message, !options.direct);
+        const Outcome outcome = SendOnce(mailer, message);
         if (options.json) system::WriteOutput(OutcomeAsJson(outcome) + "\n");
         if (outcome.sent()) {
             ++sent;

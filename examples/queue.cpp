@@ -10,26 +10,14 @@
 #include <string>
 
 namespace qv = quorvane::client;
-using qv::Bstr;
-using qv::Check;
-using qv::ComPtr;
-
 constexpr const char* kWords[] = {"is queued", "is being sent", "was sent", "was not sent",
                                   "was cancelled"};
 constexpr std::chrono::milliseconds kMoment{50};
 
-ComPtr<IMailAddress> Address(const char* text) {
-    auto address = qv::Create<IMailAddress>();
-    Check(address->put_Address(Bstr(text)), address);
-    return address;
-}
-
-ComPtr<IMailMessage> Compose(const std::string& subject, const std::string& body) {
-    auto message = qv::Create<IMailMessage>();
-    Check(message->put_Sender(Address("Zoe <zoe@bjork.example>")), message);
-    Check(message->AddRecipient(Address("Ann Miller <ann@example.org>")), message);
-    Check(message->put_MessageSubject(Bstr(subject)), message);
-    Check(message->put_MessageBody(Bstr(body)), message);
+qv::Message Compose(const std::string& subject, const std::string& body) {
+    qv::Message message;
+    message.From("Zoe <zoe@bjork.example>").To("Ann Miller <ann@example.org>");
+    message.Subject(subject).Text(body);
     return message;
 }
 
@@ -47,24 +35,16 @@ void ShowBar(LONG bytesSent, LONG bytesTotal) {
               << std::flush;
 }
 
-LONG Queue(const ComPtr<ISmtpMail>& mail, const ComPtr<IMailMessage>& message) {
-    LONG number = 0;
-    Check(mail->SendAsync(message, VARIANT_TRUE, &number), mail);
-    return number;
-}
-
 // Tells of those that were not sent; returns how many were.
-int CountSent(const ComPtr<ISmtpMail>& mail, LONG last) {
+int CountSent(const qv::Mailer& mailer, LONG last) {
     int sent = 0;
     for (LONG number = 1; number <= last; ++number) {
-        LONG code = 0;
-        Bstr text;
-        Check(mail->GetErrorCode(number, &code), mail);
-        Check(mail->GetErrorDescription(number, text.Put()), mail);
-        if (code == 0) {
+        const qv::Outcome outcome = mailer.OutcomeOf(number);
+        if (outcome.sent()) {
             ++sent;
         } else {
-            std::cerr << "Message " << number << ": " << code << ' ' << text.utf8() << '\n';
+            std::cerr << "Message " << number << ": " << outcome.code << ' ' << outcome.text
+                      << '\n';
         }
     }
     return sent;
@@ -77,12 +57,10 @@ int main(int count, char** arguments) {
     }
     try {
         const qv::Apartment apartment;
-        auto mail = qv::Create<ISmtpMail>();
-        Check(mail->put_SmtpServer(Bstr(arguments[1])), mail);
-        if (count > 2) Check(mail->put_SmtpPort(std::atoi(arguments[2])), mail);
+        qv::Mailer mailer(arguments[1], count > 2 ? std::atoi(arguments[2]) : 25);
         LONG ended = 0;
         const qv::EventListener listener(
-            mail,
+            mailer,
             [&](LONG number, MailStatus status) {
                 if (status >= MailStatusSent) ++ended;
                 std::cout << "Message " << number << ' ' << kWords[status] << '\n';
@@ -90,13 +68,13 @@ int main(int count, char** arguments) {
             [](LONG, LONG bytesSent, LONG bytesTotal) { ShowBar(bytesSent, bytesTotal); });
 
         // Events arrive while messages are taken.
-        LONG last = Queue(mail, Compose("A long one", LongText(32000)));
+        LONG last = mailer.Queue(Compose("A long one", LongText(32000)));
         while (ended < last) qv::TakeMessages(kMoment);
         for (int i = 1; i <= 10; ++i) {
-            last = Queue(mail, Compose("Short one " + std::to_string(i), "Dinner at eight?"));
+            last = mailer.Queue(Compose("Short one " + std::to_string(i), "Dinner at eight?"));
         }
         while (ended < last) qv::TakeMessages(kMoment);
-        const int sent = CountSent(mail, last);
+        const int sent = CountSent(mailer, last);
         std::cout << sent << " of " << last << " messages sent.\n";
         return sent == last ? 0 : 1;
     } catch (const qv::Error& error) {

@@ -12,54 +12,27 @@
 #include <iterator>
 
 namespace qv = quorvane::client;
-using qv::Bstr;
-using qv::Check;
-using qv::ComPtr;
-
 std::string ReadText(const std::string& file) {
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-ComPtr<IMailAddress> Person(const char* name, const char* address) {
-    auto person = qv::Create<IMailAddress>();
-    Check(person->put_Name(Bstr(name)), person);
-    Check(person->put_Address(Bstr(address)), person);
-    return person;
-}
+qv::Message Compose(const std::string& folder) {
+    qv::Message message;
+    message.From(qv::Mailbox("Zoë Björk", "zoe@bjork.example"))
+        .To(qv::Mailbox("Ann Miller", "ann@example.org"))
+        .Cc("music@example.org")
+        .Bcc("archive@bjork.example")
+        .Subject("Midsummer at Café Björk – programme and menu");
 
-ComPtr<IMailAttachment> FileToAttach(const std::string& file, const char* type, const char* name) {
-    auto attachment = qv::Create<IMailAttachment>();
-    Check(attachment->put_File(Bstr(file)), attachment);
-    Check(attachment->put_ContentType(Bstr(type)), attachment);
-    Check(attachment->put_Name(Bstr(name)), attachment);
-    return attachment;
-}
+    message.Html(ReadText(folder + "/body.html")).Alternative(ReadText(folder + "/body.txt"));
 
-ComPtr<IMailMessage> Compose(const std::string& folder) {
-    auto message = qv::Create<IMailMessage>();
-    Check(message->put_Sender(Person("Zoë Björk", "zoe@bjork.example")), message);
-    Check(message->AddRecipient(Person("Ann Miller", "ann@example.org")), message);
-    Check(message->AddCcRecipient(Person("", "music@example.org")), message);
-    Check(message->AddBccRecipient(Person("", "archive@bjork.example")), message);
-    Check(message->put_MessageSubject(Bstr("Midsummer at Café Björk – programme and menu")),
-          message);
-
-    Check(message->put_MessageBodyFormat(MailFormatHtml), message);
-    Check(message->put_MessageBody(Bstr(ReadText(folder + "/body.html"))), message);
-    Check(message->put_AltMessageBody(Bstr(ReadText(folder + "/body.txt"))), message);
-
-    auto picture = FileToAttach(folder + "/logo.png", "image/png", "logo.png");
-    Check(picture->put_Inline(VARIANT_TRUE), picture);
-    Check(picture->put_ContentId(Bstr("logo@bjork.example")), picture);
-    Check(message->AddAttachment(picture), message);
-
-    auto programme = FileToAttach(folder + "/programme.pdf", "application/pdf", "programme.pdf");
-    Check(message->AddAttachment(programme), message);
-
-    auto menu = FileToAttach(folder + "/menu.csv", "text/csv", "Menü.csv");
-    Check(menu->put_Charset(Bstr("utf-8")), menu);
-    Check(message->AddAttachment(menu), message);
+    qv::Attachment picture(folder + "/logo.png");
+    message.Attach(picture.ContentType("image/png").Inline("logo@bjork.example"));
+    qv::Attachment programme(folder + "/programme.pdf");
+    message.Attach(programme.ContentType("application/pdf"));
+    qv::Attachment menu(folder + "/menu.csv");
+    message.Attach(menu.Name("Menü.csv").ContentType("text/csv").Charset("utf-8"));
     return message;
 }
 
@@ -70,11 +43,8 @@ int main(int count, char** arguments) {
     }
     try {
         const qv::Apartment apartment;
-        auto mail = qv::Create<ISmtpMail>();
-        Check(mail->put_SmtpServer(Bstr(arguments[2])), mail);
-        if (count > 3) Check(mail->put_SmtpPort(std::atoi(arguments[3])), mail);
-
-        const qv::Outcome outcome = qv::Send(mail, Compose(arguments[1]));
+        qv::Mailer mailer(arguments[2], count > 3 ? std::atoi(arguments[3]) : 25);
+        const qv::Outcome outcome = mailer.Send(Compose(arguments[1]));
         if (!outcome.sent()) {
             std::cerr << "Not sent (" << outcome.code << "): " << outcome.text << '\n';
             return 1;

@@ -1,332 +1,166 @@
-// Quorvane for C++ programs: owners for interface pointers, automation strings and variants,
-// UTF-8 text, and exceptions in place of status codes. Header-only, C++20, on both systems.
+// Quorvane for C++ programs: mail in a few lines. Header-only, C++20, on Windows and Linux.
 //
 //     namespace qv = quorvane::client;
 //
-//     qv::Apartment apartment;
-//     auto message = qv::Create<IMailMessage>();
-//     qv::Check(message->put_MessageSubject(qv::Bstr("Hello")), message);
-//     ...
-//     qv::Outcome outcome = qv::Send(mail, message);
-//     if (!outcome.sent()) std::cerr << outcome.code << ' ' << outcome.text << '\n';
+//     const qv::Apartment apartment;
+//     qv::Message message;
+//     message.From("Zoë <zoe@bjork.example>").To("ann@example.org").Subject("Dinner").Text("Now?");
+//     const qv::Outcome outcome = qv::Mailer("mail.example.org").Send(message);
+//     if (!outcome.sent()) std::cerr << outcome.code << ": " << outcome.text << '\n';
 //
 // The program links with the library (Quorvane.dll or libquorvane.so) and takes the classes from
-// it directly, so nothing has to be registered. Text is UTF-8 in and out; embedded NULs survive
-// the conversions, but the component's own text properties end at the first one.
+// it directly, so nothing has to be registered. Each thread that uses it holds an Apartment.
+//
+// Wherever a Bstr is taken, text of any kind will do: const char*, std::string and
+// std::string_view in UTF-8, char16_t*, std::u16string and std::u16string_view in UTF-16.
+//
+// A send that was attempted has an Outcome, good or bad. Everything else that fails throws Error:
+// a message without a sender, an HTML file that isn't there. What the classes leave out can be
+// called through com(), with the tools of quorvane_com.hpp.
 #pragma once
 
-#include <windows.h>
-#include <objbase.h>
-#include <oleauto.h>
-
-#include <cstdio>
-#include <new>
-#include <stdexcept>
+#include <algorithm>
+#include <chrono>
+#include <concepts>
 #include <string>
 #include <string_view>
-#include <utility>
 
-#include "Quorvane.h"
+#include "quorvane_com.hpp"
 
 namespace quorvane::client {
 
-// ------------------------------------------------------------------------------------------------
-// Text
-
-namespace detail {
-
-constexpr char32_t kReplacement = 0xFFFD;
-
-// Takes one code point off the front of UTF-8 text; a malformed sequence gives U+FFFD and
-// advances past the bytes that could have begun a character.
-inline char32_t NextCodePoint(std::string_view& text) {
-    const auto first = static_cast<unsigned char>(text.front());
-    text.remove_prefix(1);
-    if (first < 0x80) return first;
-    const int following = first >= 0xF0 ? 3 : first >= 0xE0 ? 2 : 1;
-    if (first < 0xC2 || first > 0xF4) return kReplacement;
-    char32_t point = first & (0x3F >> following);
-    for (int i = 0; i < following; ++i) {
-        const auto next = text.empty() ? 0u : static_cast<unsigned char>(text.front());
-        // The second byte also tells over-long forms, surrogates and what lies above U+10FFFF.
-        const unsigned low = i > 0 ? 0x80u : first == 0xE0 ? 0xA0u : first == 0xF0 ? 0x90u : 0x80u;
-        const unsigned high = i > 0 ? 0xBFu : first == 0xED ? 0x9Fu : first == 0xF4 ? 0x8Fu : 0xBFu;
-        if (next < low || next > high) return kReplacement;
-        point = point << 6 | (next & 0x3F);
-        text.remove_prefix(1);
-    }
-    return point;
-}
-
-inline void AppendUtf8(char32_t point, std::string& out) {
-    if (point < 0x80) {
-        out += static_cast<char>(point);
-        return;
-    }
-    const int following = point < 0x800 ? 1 : point < 0x10000 ? 2 : 3;
-    constexpr unsigned char kLead[] = {0, 0xC0, 0xE0, 0xF0};
-    out += static_cast<char>(kLead[following] | point >> (6 * following));
-    for (int i = following - 1; i >= 0; --i) {
-        out += static_cast<char>(0x80 | (point >> (6 * i) & 0x3F));
-    }
-}
-
-template <typename Unit>
-std::string Utf16ToUtf8(const Unit* text, std::size_t units) {
-    std::string out;
-    out.reserve(units);
-    for (std::size_t i = 0; i < units; ++i) {
-        const char32_t unit = static_cast<char16_t>(text[i]);
-        if (unit < 0xD800 || unit > 0xDFFF) {
-            AppendUtf8(unit, out);
-            continue;
-        }
-        const char32_t next = i + 1 < units ? static_cast<char16_t>(text[i + 1]) : 0;
-        if (unit < 0xDC00 && next >= 0xDC00 && next <= 0xDFFF) {
-            AppendUtf8(0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00), out);
-            ++i;
-        } else {
-            AppendUtf8(kReplacement, out);
-        }
-    }
-    return out;
-}
-
-}  // namespace detail
-
-// Converts UTF-8 to UTF-16; each malformed sequence becomes U+FFFD.
-inline std::u16string ToUtf16(std::string_view text) {
-    std::u16string out;
-    out.reserve(text.size());
-    while (!text.empty()) {
-        const char32_t point = detail::NextCodePoint(text);
-        if (point < 0x10000) {
-            out += static_cast<char16_t>(point);
-        } else {
-            out += static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10));
-            out += static_cast<char16_t>(0xDC00 + (point & 0x3FF));
-        }
-    }
-    return out;
-}
-
-// Converts UTF-16 to UTF-8; an unpaired surrogate becomes U+FFFD.
-inline std::string ToUtf8(std::u16string_view text) {
-    return detail::Utf16ToUtf8(text.data(), text.size());
-}
-
-// Owns an automation string. Passes as a BSTR wherever a method takes one.
-class Bstr {
+// A person or a list: 'user@host', 'Name <user@host>', or name and address apart.
+class Mailbox {
 public:
-    Bstr() = default;
-    explicit Bstr(std::u16string_view text)
-        : text_(SysAllocStringLen(nullptr, static_cast<UINT>(text.size()))) {
-        if (!text_) throw std::bad_alloc();
-        for (std::size_t i = 0; i < text.size(); ++i) text_[i] = static_cast<OLECHAR>(text[i]);
+    template <typename Text>
+    requires std::convertible_to<const Text&, Bstr> Mailbox(const Text& address)
+        : Mailbox("", address) {}
+    Mailbox(const Bstr& name, const Bstr& address) {
+        Check(object_->put_Name(name), object_);
+        Check(object_->put_Address(address), object_);
     }
-    explicit Bstr(std::string_view utf8) : Bstr(ToUtf16(utf8)) {}
-    explicit Bstr(const char* utf8) : Bstr(std::string_view(utf8)) {}
-    explicit Bstr(const std::string& utf8) : Bstr(std::string_view(utf8)) {}
-    Bstr(Bstr&& other) noexcept : text_(std::exchange(other.text_, nullptr)) {}
-    Bstr& operator=(Bstr&& other) noexcept {
-        std::swap(text_, other.text_);
+
+    const ComPtr<IMailAddress>& com() const { return object_; }
+
+private:
+    ComPtr<IMailAddress> object_ = Create<IMailAddress>();
+};
+
+// What goes along with a message: a file, which is read when the message is sent, or bytes.
+class Attachment {
+public:
+    explicit Attachment(const Bstr& file) {
+        Check(object_->put_File(file), object_);
+        // The component itself knows backslashes only.
+        const std::u16string path = file.utf16();
+        Name(path.substr(path.find_last_of(u"/\\") + 1));
+    }
+    // The bytes are copied.
+    Attachment(const Bstr& name, std::string_view bytes) {
+        auto* data = reinterpret_cast<unsigned char*>(const_cast<char*>(bytes.data()));
+        Check(object_->LoadFromMemory(data, static_cast<LONG>(bytes.size())), object_);
+        Name(name);
+    }
+
+    // As the recipient sees it; the file's own name unless given.
+    Attachment& Name(const Bstr& name) {
+        Check(object_->put_Name(name), object_);
         return *this;
     }
-    ~Bstr() { SysFreeString(text_); }
-
-    operator BSTR() const { return text_; }
-
-    // For out-parameters: frees what is held and gives the place for a new string.
-    BSTR* Put() {
-        SysFreeString(std::exchange(text_, nullptr));
-        return &text_;
-    }
-
-    // Gives up the string to the caller, who frees it.
-    BSTR Detach() { return std::exchange(text_, nullptr); }
-
-    std::string utf8() const { return detail::Utf16ToUtf8(text_, SysStringLen(text_)); }
-    std::u16string utf16() const { return {text_, text_ + SysStringLen(text_)}; }
-
-private:
-    BSTR text_ = nullptr;
-};
-
-// Owns a variant.
-class Variant {
-public:
-    Variant() { VariantInit(&value_); }
-    explicit Variant(Bstr text) : Variant() {
-        value_.vt = VT_BSTR;
-        value_.bstrVal = text.Detach();
-    }
-    Variant(const Variant&) = delete;
-    Variant& operator=(const Variant&) = delete;
-    ~Variant() { VariantClear(&value_); }
-
-    const VARIANT& get() const { return value_; }
-    // The text of a string variant; empty for any other type.
-    std::string utf8() const {
-        if (value_.vt != VT_BSTR) return {};
-        return detail::Utf16ToUtf8(value_.bstrVal, SysStringLen(value_.bstrVal));
-    }
-
-    // For out-parameters: clears what is held and gives the place for a new value.
-    VARIANT* Put() {
-        VariantClear(&value_);
-        return &value_;
-    }
-
-private:
-    VARIANT value_;
-};
-
-// ------------------------------------------------------------------------------------------------
-// Interface pointers
-
-// Owns one reference to an interface of an object.
-template <typename Interface>
-class ComPtr {
-public:
-    ComPtr() = default;
-    // Adds a reference of its own.
-    explicit ComPtr(Interface* object) : object_(object) {
-        if (object_) object_->AddRef();
-    }
-    ComPtr(const ComPtr& other) : ComPtr(other.object_) {}
-    ComPtr(ComPtr&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
-    ComPtr& operator=(ComPtr other) noexcept {
-        std::swap(object_, other.object_);
+    // That which the system knows for the name, unless given.
+    Attachment& ContentType(const Bstr& type) {
+        Check(object_->put_ContentType(type), object_);
         return *this;
     }
-    ~ComPtr() {
-        if (object_) object_->Release();
+    Attachment& Charset(const Bstr& charset) {
+        Check(object_->put_Charset(charset), object_);
+        return *this;
+    }
+    Attachment& Encoding(MailEncoding encoding) {
+        Check(object_->put_Encoding(encoding), object_);
+        return *this;
+    }
+    // For a picture that the HTML shows as cid:ID.
+    Attachment& Inline(const Bstr& contentId) {
+        Check(object_->put_Inline(VARIANT_TRUE), object_);
+        Check(object_->put_ContentId(contentId), object_);
+        return *this;
     }
 
-    Interface* get() const { return object_; }
-    operator Interface*() const { return object_; }
-    Interface* operator->() const { return object_; }
-
-    // For out-parameters: releases what is held and gives the place for a new reference.
-    Interface** Put() {
-        *this = ComPtr();
-        return &object_;
-    }
-
-    // Another interface of the same object; null when it has none such.
-    template <typename Other>
-    ComPtr<Other> As() const {
-        ComPtr<Other> other;
-        if (object_) {
-            object_->QueryInterface(__uuidof(Other), reinterpret_cast<void**>(other.Put()));
-        }
-        return other;
-    }
+    const ComPtr<IMailAttachment>& com() const { return object_; }
 
 private:
-    Interface* object_ = nullptr;
+    ComPtr<IMailAttachment> object_ = Create<IMailAttachment>();
 };
 
-// ------------------------------------------------------------------------------------------------
-// Failures
-
-// A call that failed. what() is the component's own text where it gave one, in UTF-8.
-class Error : public std::runtime_error {
+// A message. It keeps a copy of what it is given, and can be sent any number of times.
+class Message {
 public:
-    Error(HRESULT status, const std::string& text) : std::runtime_error(text), status_(status) {}
-    HRESULT status() const { return status_; }
+    Message() = default;
+    Message(Message&&) = default;
+    Message& operator=(Message&&) = default;
+
+    Message& From(const Mailbox& sender) { return Set(object_->put_Sender(sender.com())); }
+    Message& ReplyTo(const Mailbox& address) { return Set(object_->put_ReplyTo(address.com())); }
+    // One more recipient with each call.
+    Message& To(const Mailbox& to) { return Set(object_->AddRecipient(to.com())); }
+    Message& Cc(const Mailbox& to) { return Set(object_->AddCcRecipient(to.com())); }
+    Message& Bcc(const Mailbox& to) { return Set(object_->AddBccRecipient(to.com())); }
+
+    Message& Subject(const Bstr& subject) { return Set(object_->put_MessageSubject(subject)); }
+    Message& Id(const Bstr& id) { return Set(object_->put_MessageId(id)); }
+    Message& Priority(MailPriority level) { return Set(object_->put_MessagePriority(level)); }
+    Message& ReadReceipt(bool wanted = true) {
+        return Set(object_->put_RequestReadReceipt(wanted ? VARIANT_TRUE : VARIANT_FALSE));
+    }
+    // Replaces a field that the message has by that name.
+    Message& Header(const Bstr& name, const Bstr& value) {
+        return Set(object_->AddHeader(name, value));
+    }
+
+    // The body. The last one counts.
+    Message& Text(const Bstr& text) { return Body(text, MailFormatText); }
+    Message& Html(const Bstr& html) { return Body(html, MailFormatHtml); }
+    Message& Body(const Bstr& text, MailFormat format) {
+        Set(object_->put_MessageBodyFormat(format));
+        return Set(object_->put_MessageBody(text));
+    }
+    // Sends the file's bytes in place of the text.
+    Message& BodyFile(const Bstr& file) { return Set(object_->put_MessageBodyFile(file)); }
+    // The body from an HTML file, with the pictures that it shows. The path may have slashes.
+    Message& ImportHtml(const Bstr& file) {
+        std::u16string path = file.utf16();
+        std::replace(path.begin(), path.end(), u'/', u'\\');
+        return Set(object_->ImportHTML(Bstr(path)));
+    }
+    // Plain text beside HTML, for readers without.
+    Message& Alternative(const Bstr& text) { return Set(object_->put_AltMessageBody(text)); }
+
+    // Without a character set one that fits is chosen; "unicode" means UTF-8.
+    Message& Charset(const Bstr& name) { return Set(object_->put_MessageBodyCharset(name)); }
+    Message& AlternativeCharset(const Bstr& name) {
+        return Set(object_->put_AltMessageBodyCharset(name));
+    }
+    // Of the body and of the text beside it.
+    Message& Encoding(MailEncoding encoding) {
+        Set(object_->put_MessageBodyEncoding(encoding));
+        return Set(object_->put_AltMessageBodyEncoding(encoding));
+    }
+
+    // One more with each call.
+    Message& Attach(const Attachment& what) { return Set(object_->AddAttachment(what.com())); }
+    Message& Attach(const Bstr& file) { return Attach(Attachment(file)); }
+
+    const ComPtr<IMailMessage>& com() const { return object_; }
 
 private:
-    HRESULT status_;
-};
-
-namespace detail {
-
-inline std::string StatusText(HRESULT status) {
-    char text[48];
-    std::snprintf(text, sizeof text, "The call failed with status 0x%08X.",
-                  static_cast<unsigned>(status));
-    return text;
-}
-
-// The text that a failed call left for this thread. It is taken for this call's only when the
-// object says that it sets any for the interface and the information names that interface: it may
-// be left over from another call, whose failure nobody asked about.
-inline std::string ErrorText(IUnknown* object, REFIID interfaceId) {
-    auto support = ComPtr<IUnknown>(object).As<ISupportErrorInfo>();
-    if (!support || support->InterfaceSupportsErrorInfo(interfaceId) != S_OK) return {};
-    ComPtr<IErrorInfo> info;
-    GUID about{};
-    Bstr text;
-    if (GetErrorInfo(0, info.Put()) != S_OK || FAILED(info->GetGUID(&about)) ||
-        about != interfaceId || FAILED(info->GetDescription(text.Put()))) {
-        return {};
+    Message& Set(HRESULT status) {
+        Check(status, object_);
+        return *this;
     }
-    return text.utf8();
-}
 
-}  // namespace detail
-
-// Throws Error when a call failed. Of calls on an object, name the object too, so that the error
-// carries its text. Returns the status: S_OK, or S_FALSE of a send that was refused.
-inline HRESULT Check(HRESULT status) {
-    if (FAILED(status)) throw Error(status, detail::StatusText(status));
-    return status;
-}
-template <typename Interface>
-HRESULT Check(HRESULT status, const ComPtr<Interface>& object) {
-    if (SUCCEEDED(status)) return status;
-    const std::string text = detail::ErrorText(object, __uuidof(Interface));
-    throw Error(status, text.empty() ? detail::StatusText(status) : text);
-}
-
-// ------------------------------------------------------------------------------------------------
-// Objects
-
-// Keeps the calling thread in a single-threaded apartment, which the classes want. Outlives every
-// object that the thread creates.
-class Apartment {
-public:
-    Apartment() { Check(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)); }
-    Apartment(const Apartment&) = delete;
-    Apartment& operator=(const Apartment&) = delete;
-    ~Apartment() { CoUninitialize(); }
+    ComPtr<IMailMessage> object_ = Create<IMailMessage>();
 };
-
-namespace detail {
-
-template <typename Interface>
-struct ClassOf;
-template <>
-struct ClassOf<ISmtpMail> {
-    using Type = SmtpMail;
-};
-template <>
-struct ClassOf<IMailMessage> {
-    using Type = MailMessage;
-};
-template <>
-struct ClassOf<IMailAddress> {
-    using Type = MailAddress;
-};
-template <>
-struct ClassOf<IMailAttachment> {
-    using Type = MailAttachment;
-};
-
-}  // namespace detail
-
-// A new object: Create<IMailMessage>() makes a MailMessage, and so on. Throws Error.
-template <typename Interface>
-ComPtr<Interface> Create() {
-    ComPtr<IClassFactory> factory;
-    Check(DllGetClassObject(__uuidof(typename detail::ClassOf<Interface>::Type),
-                            __uuidof(IClassFactory), reinterpret_cast<void**>(factory.Put())));
-    ComPtr<Interface> object;
-    Check(factory->CreateInstance(nullptr, __uuidof(Interface),
-                                  reinterpret_cast<void**>(object.Put())));
-    return object;
-}
 
 // How a send ended: 0 sent; a three-digit reply code when the server refused; -1 for any other
 // failure. The text says why, in UTF-8.
@@ -336,17 +170,89 @@ struct Outcome {
     bool sent() const { return code == 0; }
 };
 
-// Sends through the server that the settings of `mail` name, or else to the recipients' own
-// servers, and waits for the outcome. Throws Error when the send could not be attempted, for want
-// of a sender, say.
-inline Outcome Send(const ComPtr<ISmtpMail>& mail, const ComPtr<IMailMessage>& message,
-                    bool useServer = true) {
-    Outcome outcome;
-    Bstr text;
-    Check(mail->Send(message, useServer ? VARIANT_TRUE : VARIANT_FALSE, text.Put(), &outcome.code),
-          mail);
-    outcome.text = text.utf8();
-    return outcome;
-}
+// Sends messages, and waits for each or not. The settings count for what is sent after.
+class Mailer {
+public:
+    // Delivers to the recipients' own servers.
+    Mailer() = default;
+    Mailer(Mailer&&) = default;
+    Mailer& operator=(Mailer&&) = default;
+    // Sends through this server: a name or an IPv4 address.
+    explicit Mailer(const Bstr& server, int port = 25) : useServer_(VARIANT_TRUE) {
+        Set(object_->put_SmtpServer(server));
+        Set(object_->put_SmtpPort(port));
+    }
+
+    Mailer& User(const Bstr& name, const Bstr& password) {
+        Set(object_->put_SmtpUsername(name));
+        return Set(object_->put_SmtpPassword(password));
+    }
+    // Encrypts the connection when the server can.
+    Mailer& Ssl(bool wanted = true) {
+        return Set(object_->put_SmtpSSL(wanted ? VARIANT_TRUE : VARIANT_FALSE));
+    }
+    // Logs in with NTLM when the server offers it.
+    Mailer& Spa(bool wanted = true) {
+        return Set(object_->put_SmtpSPA(wanted ? VARIANT_TRUE : VARIANT_FALSE));
+    }
+    Mailer& ReplyTimeout(std::chrono::seconds time) {
+        return Set(object_->put_ReplyTimeout(static_cast<LONG>(time.count())));
+    }
+    Mailer& ConnectAttempts(int count) { return Set(object_->put_ConnectAttempts(count)); }
+    // The name by which the computer introduces itself; its own unless given.
+    Mailer& SenderHostname(const Bstr& name) { return Set(object_->put_SenderHostname(name)); }
+    // Messages of the queue in flight at a time.
+    Mailer& MaxThreads(int count) { return Set(object_->put_MaxThreads(count)); }
+
+    // Waits for the outcome.
+    Outcome Send(const Message& message) {
+        Outcome outcome;
+        Bstr text;
+        Set(object_->Send(message.com(), useServer_, text.Put(), &outcome.code));
+        outcome.text = text.utf8();
+        return outcome;
+    }
+
+    // Sends in the background. Returns the message's number at once; hold the Mailer until
+    // QueueSize is 0. quorvane_events.hpp tells how it goes.
+    LONG Queue(const Message& message) {
+        LONG number = 0;
+        Set(object_->SendAsync(message.com(), useServer_, &number));
+        return number;
+    }
+    MailStatus Status(LONG number) const {
+        MailStatus status = MailStatusQueued;
+        Check(object_->GetStatus(number, &status), object_);
+        return status;
+    }
+    // Of a message that has ended; -1 before, -2 for one that was cancelled on the way.
+    Outcome OutcomeOf(LONG number) const {
+        Outcome outcome;
+        Bstr text;
+        Check(object_->GetErrorCode(number, &outcome.code), object_);
+        Check(object_->GetErrorDescription(number, text.Put()), object_);
+        outcome.text = text.utf8();
+        return outcome;
+    }
+    // Messages that are queued or being sent.
+    LONG QueueSize() const {
+        LONG size = 0;
+        Check(object_->GetQueueSize(&size), object_);
+        return size;
+    }
+    void Cancel(LONG number) { Set(object_->Cancel(number)); }
+    void CancelAll() { Set(object_->CancelAll()); }
+
+    const ComPtr<ISmtpMail>& com() const { return object_; }
+
+private:
+    Mailer& Set(HRESULT status) {
+        Check(status, object_);
+        return *this;
+    }
+
+    ComPtr<ISmtpMail> object_ = Create<ISmtpMail>();
+    VARIANT_BOOL useServer_ = VARIANT_FALSE;
+};
 
 }  // namespace quorvane::client

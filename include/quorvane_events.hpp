@@ -1,8 +1,8 @@
 // The events of queued messages for C++ programs. Header-only; see quorvane.hpp.
 //
-//     qv::EventListener listener(mail, onStatus, onProgress);
-//     Check(mail->SendAsync(message, VARIANT_TRUE, &number), mail);
-//     while (...) qv::TakeMessages(std::chrono::milliseconds(50));
+//     const qv::EventListener listener(mailer, onStatus, onProgress);
+//     mailer.Queue(message);
+//     while (mailer.QueueSize() > 0) qv::TakeMessages(std::chrono::milliseconds(50));
 #pragma once
 
 #include <windows.h>
@@ -99,10 +99,9 @@ private:
 // it, while that takes messages. What they throw is swallowed.
 class EventListener {
 public:
-    EventListener(const ComPtr<ISmtpMail>& mail, StatusFunction onStatus,
-                  ProgressFunction onProgress)
+    EventListener(const Mailer& mailer, StatusFunction onStatus, ProgressFunction onProgress)
         : sink_(new detail::Sink(std::move(onStatus), std::move(onProgress))) {
-        const auto container = mail.As<IConnectionPointContainer>();
+        const auto container = mailer.com().As<IConnectionPointContainer>();
         Check(container->FindConnectionPoint(__uuidof(_ISmtpMailEvents), point_.Put()));
         Check(point_->Advise(sink_, &cookie_));
     }

@@ -66,8 +66,10 @@ public:
         for (const Attachment& attachment : attachments_) {
             Check(message->AddAttachment(ToObject(attachment)), message);
         }
-        const client::Outcome outcome = client::Send(mail_, message);
-        if (!outcome.sent()) throw std::runtime_error(outcome.text);
+        Bstr text;
+        LONG code = 0;
+        Check(mail_->Send(message, VARIANT_TRUE, text.Put(), &code), mail_);
+        if (code != 0) throw std::runtime_error(text.utf8());
     }
 
 private:

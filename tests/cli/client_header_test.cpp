@@ -3,8 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
 #include <string_view>
+#include <tuple>
+
+#include "quorvane_events.hpp"
 
 namespace quorvane::client {
 namespace {
@@ -71,10 +75,10 @@ TEST(ClientHeader, ObjectsLiveAsLongAsSomebodyHoldsThem) {
 
 TEST(ClientHeader, FailuresCarryStatusAndText) {
     const Apartment apartment;
-    auto mail = Create<ISmtpMail>();
+    Mailer mailer("localhost", 1);
     auto message = Create<IMailMessage>();
     try {
-        Send(mail, message);
+        mailer.Send(Message());
         FAIL() << "a message without a sender was accepted";
     } catch (const Error& error) {
         EXPECT_EQ(error.status(), E_INVALIDARG);
@@ -83,13 +87,87 @@ TEST(ClientHeader, FailuresCarryStatusAndText) {
     try {
         // Sets no error information, so the one of an earlier call must not be shown.
         LONG code = 0;
-        mail->Send(message, VARIANT_TRUE, nullptr, &code);
+        mailer.com()->Send(message, VARIANT_TRUE, nullptr, &code);
         Check(message->AddRecipient(nullptr), message);
         FAIL() << "a null recipient was accepted";
     } catch (const Error& error) {
         EXPECT_EQ(error.status(), E_INVALIDARG);
         EXPECT_STREQ(error.what(), "The call failed with status 0x80070057.");
     }
+}
+
+// What the object answers, as text.
+template <typename Interface>
+std::string Asked(const ComPtr<Interface>& object, HRESULT (Interface::*get)(BSTR*)) {
+    Bstr text;
+    Check((object.get()->*get)(text.Put()), object);
+    return text.utf8();
+}
+
+TEST(ClientHeader, TextOfEachKindIsTaken) {
+    const Apartment apartment;
+    const std::string_view view8 = "\xC3\xBC\0"sv;
+    const std::u16string_view view16 = u"\u00FC";
+    const std::string subjects[] = {
+        Asked(Message().Subject("\xC3\xBC").com(), &IMailMessage::get_MessageSubject),
+        Asked(Message().Subject(view8).com(), &IMailMessage::get_MessageSubject),
+        Asked(Message().Subject(std::string(view8)).com(), &IMailMessage::get_MessageSubject),
+        Asked(Message().Subject(u"\u00FC").com(), &IMailMessage::get_MessageSubject),
+        Asked(Message().Subject(view16).com(), &IMailMessage::get_MessageSubject),
+        Asked(Message().Subject(std::u16string(view16)).com(), &IMailMessage::get_MessageSubject),
+    };
+    for (const std::string& subject : subjects) EXPECT_EQ(subject, "\xC3\xBC");
+    for (const Mailbox& ann :
+         {Mailbox(std::u16string(u"ann@example.org")), Mailbox("Ann", u"ann@example.org"sv)}) {
+        EXPECT_EQ(Asked(ann.com(), &IMailAddress::get_Address), "ann@example.org");
+    }
+}
+
+TEST(ClientHeader, WhatIsSetReachesTheObjects) {
+    const Apartment apartment;
+    Message message;
+    message.Html("<p>").Alternative("p").Charset("unicode").AlternativeCharset("koi8-r");
+    message.Id("one@example.org").BodyFile("a.html").Encoding(MailEncoding8Bit);
+    message.Priority(MailPriorityLow).ReadReceipt();
+    const struct {
+        HRESULT (IMailMessage::*get)(BSTR*);
+        const char* value;
+    } texts[] = {
+        {&IMailMessage::get_MessageBody, "<p>"},
+        {&IMailMessage::get_AltMessageBody, "p"},
+        {&IMailMessage::get_MessageBodyCharset, "unicode"},
+        {&IMailMessage::get_AltMessageBodyCharset, "koi8-r"},
+        {&IMailMessage::get_MessageId, "one@example.org"},
+        {&IMailMessage::get_MessageBodyFile, "a.html"},
+    };
+    for (const auto& text : texts) EXPECT_EQ(Asked(message.com(), text.get), text.value);
+    MailFormat format{};
+    MailEncoding body{}, alternative{};
+    MailPriority priority{};
+    VARIANT_BOOL receipt{};
+    Check(message.com()->get_MessageBodyFormat(&format));
+    Check(message.com()->get_MessageBodyEncoding(&body));
+    Check(message.com()->get_AltMessageBodyEncoding(&alternative));
+    Check(message.com()->get_MessagePriority(&priority));
+    Check(message.com()->get_RequestReadReceipt(&receipt));
+    EXPECT_EQ(std::tuple(format, body, alternative, priority, receipt),
+              std::tuple(MailFormatHtml, MailEncoding8Bit, MailEncoding8Bit, MailPriorityLow,
+                         VARIANT_TRUE));
+}
+
+TEST(ClientHeader, QueuedMessagesAreKnownByTheirNumbers) {
+    const Apartment apartment;
+    Mailer mailer("127.0.0.1", 1);
+    mailer.ConnectAttempts(1).ReplyTimeout(std::chrono::seconds(5)).MaxThreads(1);
+    Message message;
+    message.From("a@example.org").To("b@example.org");
+    const LONG number = mailer.Queue(message);
+    EXPECT_EQ(number, 1);
+    mailer.CancelAll();
+    while (mailer.QueueSize() > 0) TakeMessages(std::chrono::milliseconds(10));
+    EXPECT_GE(mailer.Status(number), MailStatusFailed);
+    EXPECT_NE(mailer.OutcomeOf(number).code, 0);
+    EXPECT_THROW(mailer.Status(number + 1), Error);
 }
 
 TEST(ClientHeader, VariantsOwnTheirText) {

@@ -93,7 +93,18 @@ class Examples(unittest.TestCase):
         return {part.name: part.content for part in mime_check.leaves(message) if part.disposition}
 
 
+    def assert_simple(self, outcome):
+        envelope, message = self.assert_sent(outcome)
+        self.assertEqual(envelope["from"], "zoe@bjork.example")
+        self.assertEqual(envelope["to"], ["ann@example.org", "bob@example.org"])
+        self.assertEqual(mime_check.structure(message), "text/plain")
+        self.assertEqual(message.get_payload(), "Dinner at eight?\r\n")
+
+
 class Programs(Examples):
+    def test_simple(self):
+        self.assert_simple(self.run_program("simple-example", *self.server))
+
     def test_memory(self):
         _, message = self.assert_sent(self.run_program("memory-example", *self.server))
         rows = self.files(message)["squares.csv"].decode().split("\r\n")
@@ -136,11 +147,7 @@ class Scripts:
         return self.run_program("scripthost", EXAMPLES / f"{name}.{self.language}", *arguments)
 
     def test_simple(self):
-        envelope, message = self.assert_sent(self.run_script("simple", *self.server))
-        self.assertEqual(envelope["from"], "zoe@bjork.example")
-        self.assertEqual(envelope["to"], ["ann@example.org", "bob@example.org"])
-        self.assertEqual(mime_check.structure(message), "text/plain")
-        self.assertEqual(message.get_payload(), "Dinner at eight?\r\n")
+        self.assert_simple(self.run_script("simple", *self.server))
 
     def test_attachments(self):
         _, message = self.assert_sent(self.run_script("attachments", *self.server))

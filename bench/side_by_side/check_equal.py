@@ -36,11 +36,17 @@ def payload(part):
     return data.rstrip(b"\r\n") if part.get_content_maintype() == "text" else data
 
 
+def disposition(part):
+    """To call a text inline, as Poco does, says nothing."""
+    value = part.get_content_disposition()
+    return None if value == "inline" and part.get_content_maintype() == "text" else value
+
+
 def leaf(part):
     return {
         "type": part.get_content_type(),
         "charset": part.get_content_charset(),
-        "disposition": part.get_content_disposition(),
+        "disposition": disposition(part),
         "name": file_name(part),
         "id": part["Content-ID"] and str(part["Content-ID"]).strip(),
         "encoding": str(part["Content-Transfer-Encoding"]).lower(),
@@ -67,7 +73,8 @@ def content(path):
     message = email.message_from_bytes(undo_transparency(data) if is_stuffed(path) else data,
                                        policy=email.policy.default)
     result = {name: message[name] for name in FIELDS}
-    result["Subject"] = str(message["Subject"])
+    # vmime puts a second space where it folds a line.
+    result["Subject"] = " ".join(str(message["Subject"]).split())
     result["From"] = addresses(message, "From")
     result["To"] = addresses(message, "To")
     result["tree"] = tree(message)

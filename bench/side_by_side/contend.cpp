@@ -5,7 +5,7 @@
 //     peak WORK     composes or sends one message and prints by how many bytes the peak of the
 //                   process's memory grew; to be asked first, since a peak stays
 //     write FILE    writes the composed message
-//     describe      prints the workload as JSON, for contenders that aren't C++
+//     describe json prints the workload for contenders that aren't C++
 #include <CLI/CLI.hpp>
 #include <barrier>
 #include <chrono>
@@ -111,13 +111,10 @@ Work WorkNamed(const std::string& name) {
 
 void Obey(const Job& job, Contender& contender) {
     std::string verb, argument;
-    while (std::cin >> verb) {
+    while (std::cin >> verb >> argument) {
         if (verb == "describe") {
             std::cout << Describe(job.workload) << std::endl;
-            continue;
-        }
-        std::cin >> argument;
-        if (verb == "write") {
+        } else if (verb == "write") {
             std::ofstream(argument, std::ios::binary) << contender.Compose();
             std::cout << "written" << std::endl;
         } else if (verb == "peak") {

@@ -11,8 +11,15 @@ class Entrant:
     composer: tuple  # the command of the program that composes
     sender: tuple  # and of the one that sends
 
+    def can(self, workload):
+        return (self.name, workload) not in WITHOUT
+
     def command(self, work):
         return self.sender if work == "send" else self.composer
+
+
+# Poco nests no parts.
+WITHOUT = {("Poco", "rich")}
 
 
 def entrants(programs):
@@ -30,6 +37,7 @@ def entrants(programs):
         peer("GMime", program("gmime")),
         peer("Poco", program("poco")),
         peer("vmime", program("vmime")),
+        peer("Python", (sys.executable, Path(__file__).parent / "python_contender.py")),
         peer("limit", program("limit")),
     ]
-    return [entrant for entrant in found if entrant.composer[0].exists()]
+    return [entrant for entrant in found if Path(entrant.composer[0]).exists()]

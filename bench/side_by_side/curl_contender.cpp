@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "bench/side_by_side/contender.h"
+#include "bench/side_by_side/header_text.h"
 
 // The reader of a MIME tree, by which libcurl gets at the bytes of a message that it sends. Sending
 // is the only public way to them, and it would measure sockets; so these two functions of the
@@ -37,32 +38,6 @@ struct LinesFree {
 };
 using Lines = std::unique_ptr<curl_slist, LinesFree>;
 using Mime = std::unique_ptr<curl_mime, MimeFree>;
-
-// Encoded words are not libcurl's business: its callers bring header text ready for the wire.
-std::string HeaderText(const std::string& text) {
-    static constexpr char kAlphabet[] =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    bool ascii = true;
-    for (const char c : text) ascii = ascii && static_cast<unsigned char>(c) < 0x7F;
-    if (ascii) return text;
-    std::string word = "=?utf-8?B?";
-    for (std::size_t i = 0; i < text.size(); i += 3) {
-        unsigned group = 0;
-        for (std::size_t k = i; k < i + 3; ++k) {
-            group = group << 8 | (k < text.size() ? static_cast<unsigned char>(text[k]) : 0u);
-        }
-        for (std::size_t k = 0; k < 4; ++k) {
-            word += i + k > text.size() ? '=' : kAlphabet[group >> (18 - 6 * k) & 0x3F];
-        }
-    }
-    return word + "?=";
-}
-
-std::string Mailbox(const std::string& name, const std::string& address) {
-    const std::string text = HeaderText(name);
-    if (text.empty()) return "<" + address + ">";
-    return (text == name ? '"' + text + '"' : text) + " <" + address + ">";
-}
 
 // A list of header lines that a part or an easy handle takes over.
 class HeaderLines {
@@ -116,6 +91,7 @@ public:
     }
 
 private:
+    // Encoded words are not libcurl's business: its callers bring header text ready for the wire.
     HeaderLines TopHeaders() const {
         HeaderLines lines;
         lines.Add("From: " + Mailbox(workload_.senderName, workload_.senderAddress));

@@ -33,9 +33,17 @@ void SmtpDialogue::Open(const std::string& sender, const std::vector<std::string
     Say("DATA\r\n", '3');
 }
 
+void SmtpDialogue::SendPart(std::string_view text) {
+    SendAll(text, {});
+}
+
 void SmtpDialogue::SendText(std::string_view text) {
-    std::string_view end = ".\r\n";
     // Together, or the few bytes of the end would wait for what is under way.
+    SendAll(text, ".\r\n");
+    Expect('2');
+}
+
+void SmtpDialogue::SendAll(std::string_view text, std::string_view end) {
     while (!text.empty() || !end.empty()) {
         std::array<iovec, 2> pieces = {iovec{const_cast<char*>(text.data()), text.size()},
                                        iovec{const_cast<char*>(end.data()), end.size()}};
@@ -45,7 +53,6 @@ void SmtpDialogue::SendText(std::string_view text) {
         text.remove_prefix(ofText);
         end.remove_prefix(static_cast<std::size_t>(sent) - ofText);
     }
-    Expect('2');
 }
 
 void SmtpDialogue::Close() {

@@ -17,11 +17,14 @@ public:
 
     // Everything before the text.
     void Open(const std::string& sender, const std::vector<std::string>& recipients);
-    // Dots are doubled already, and the last line has its end.
+    // Some of the text. Dots are doubled already.
+    void SendPart(std::string_view text);
+    // The rest of it, whose last line has its end.
     void SendText(std::string_view text);
     void Close();
 
 private:
+    void SendAll(std::string_view text, std::string_view end);
     void Say(std::string_view command, char kind);
     void Expect(char kind);
 

@@ -1,0 +1,101 @@
+#include "bench/side_by_side/limit_encoders.h"
+
+#include <immintrin.h>
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+namespace quorvane::bench {
+namespace {
+
+constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+// 24 bytes to 32 characters.
+__attribute__((target("avx2"))) void Encode24(const char* in, char* out) {
+    const __m256i lower = _mm256_set_epi8(10, 11, 9, 10, 7, 8, 6, 7, 4, 5, 3, 4, 1, 2, 0, 1, 10, 11,
+                                          9, 10, 7, 8, 6, 7, 4, 5, 3, 4, 1, 2, 0, 1);
+    // 12 bytes in each half, so that each half makes 16 characters of its own.
+    const __m256i bytes = _mm256_shuffle_epi8(
+        _mm256_set_m128i(_mm_loadu_si128(reinterpret_cast<const __m128i*>(in + 12)),
+                         _mm_loadu_si128(reinterpret_cast<const __m128i*>(in))),
+        lower);
+    // Multiplications are the shifts, each of its own width, that bring four times six bits down.
+    const __m256i high = _mm256_mulhi_epu16(_mm256_and_si256(bytes, _mm256_set1_epi32(0x0FC0FC00)),
+                                            _mm256_set1_epi32(0x04000040));
+    const __m256i low = _mm256_mullo_epi16(_mm256_and_si256(bytes, _mm256_set1_epi32(0x003F03F0)),
+                                           _mm256_set1_epi32(0x01000010));
+    const __m256i values = _mm256_or_si256(high, low);
+    // What to add to a value is looked up by its range: 13 for A-Z, 0 for a-z, 1.. for the others.
+    const __m256i range = _mm256_sub_epi8(_mm256_subs_epu8(values, _mm256_set1_epi8(51)),
+                                          _mm256_cmpgt_epi8(values, _mm256_set1_epi8(25)));
+    const __m256i offsets =
+        _mm256_setr_epi8(65, 71, -4, -4, -4, -4, -4, -4, -4, -4, -4, -4, -19, -16, 0, 0, 65, 71, -4,
+                         -4, -4, -4, -4, -4, -4, -4, -4, -4, -19, -16, 0, 0);
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out),
+                        _mm256_add_epi8(values, _mm256_shuffle_epi8(offsets, range)));
+}
+
+char* AppendLastLine(const char* bytes, std::size_t size, char* out) {
+    for (; size > 0; bytes += 3, size -= size < 3 ? size : 3) {
+        std::uint32_t group = 0;
+        for (std::size_t i = 0; i < 3; ++i) {
+            group = group << 8 | (i < size ? static_cast<unsigned char>(bytes[i]) : 0u);
+        }
+        for (std::size_t i = 0; i < 4; ++i) {
+            *out++ = i > size ? '=' : kAlphabet[group >> (18 - 6 * i) & 0x3F];
+        }
+    }
+    return out;
+}
+
+constexpr std::array<bool, 256> kPlain = [] {
+    std::array<bool, 256> plain{};
+    for (int c = ' '; c < 0x7F; ++c) plain[static_cast<std::size_t>(c)] = c != '=';
+    return plain;
+}();
+
+}  // namespace
+
+char* AppendBase64(const char* bytes, std::size_t size, char* out) {
+    for (; size >= kLineBytes; bytes += kLineBytes, size -= kLineBytes) {
+        Encode24(bytes, out);
+        Encode24(bytes + 24, out + 32);
+        Encode24(bytes + 48, out + 64);
+        std::memcpy(out + 76, "\r\n", 2);
+        out += 78;
+    }
+    if (size == 0) return out;
+    out = AppendLastLine(bytes, size, out);
+    std::memcpy(out, "\r\n", 2);
+    return out + 2;
+}
+
+char* AppendQuotedPrintable(const char* text, std::size_t size, char* out) {
+    constexpr std::ptrdiff_t kLongest = 72;  // and room for one more and the "="
+    const char* const end = text + size;
+    const char* line = out;
+    while (text < end) {
+        const auto c = static_cast<unsigned char>(*text++);
+        if (c == '\r') {
+            std::memcpy(out, "\r\n", 2);
+            line = out += 2;
+            ++text;
+            continue;
+        }
+        if (out - line > kLongest) {
+            std::memcpy(out, "=\r\n", 3);
+            line = out += 3;
+        }
+        if (kPlain[c] && !(c == ' ' && *text == '\r')) {
+            *out++ = static_cast<char>(c);
+            continue;
+        }
+        *out++ = '=';
+        *out++ = "0123456789ABCDEF"[c >> 4];
+        *out++ = "0123456789ABCDEF"[c & 0xF];
+    }
+    return out;
+}
+
+}  // namespace quorvane::bench

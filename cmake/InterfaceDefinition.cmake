@@ -7,13 +7,16 @@ set(WIDL_FLAGS --win64 -I /usr/include/wine/wine/windows
                -L /usr/lib/x86_64-linux-gnu/wine/x86_64-windows)
 file(MAKE_DIRECTORY ${QUORVANE_GENERATED})
 
-# quorvane_widl(output option...): makes ${QUORVANE_GENERATED}/output; a warning is an error.
+# quorvane_widl(output option...): makes ${QUORVANE_GENERATED}/output; a warning is an error. It runs
+# beside the definition, whose path it writes into what it makes.
 function(quorvane_widl output)
     set(path ${QUORVANE_GENERATED}/${output})
-    set(command ${WIDL} ${WIDL_FLAGS} ${ARGN} ${path} ${QUORVANE_IDL})
+    get_filename_component(folder ${QUORVANE_IDL} DIRECTORY)
+    get_filename_component(name ${QUORVANE_IDL} NAME)
+    set(command ${WIDL} ${WIDL_FLAGS} ${ARGN} ${path} ${name})
     add_custom_command(
         OUTPUT ${path}
-        COMMAND ${CMAKE_COMMAND} "-DWIDL=${command}" -DOUTPUT=${path}
+        COMMAND ${CMAKE_COMMAND} "-DWIDL=${command}" -DFOLDER=${folder} -DOUTPUT=${path}
                 -P ${CMAKE_SOURCE_DIR}/cmake/RunWidl.cmake
         DEPENDS ${QUORVANE_IDL} ${CMAKE_SOURCE_DIR}/cmake/RunWidl.cmake VERBATIM)
 endfunction()

@@ -1,6 +1,6 @@
 """Installs the setup program as a user does, runs the examples from there, and takes it away again.
 
-    run.py BUILD
+    windows.py BUILD
 
 BUILD is a build tree of Windows. The registry and the folders of a prefix of Wine of the test's own
 are compared before and after; the archive must hold what the setup program installs.
@@ -68,7 +68,7 @@ class Package(unittest.TestCase):
         folder = tempfile.TemporaryDirectory(prefix="quorvane-")
         cls.addClassCleanup(folder.cleanup)
         cls.output = Path(folder.name)
-        subprocess.run([str(ROOT / "scripts/package"), "--no-setup", "--build", str(BUILD),
+        subprocess.run([str(ROOT / "scripts/package"), "windows", "--no-setup", "--build", str(BUILD),
                         "--output", folder.name], check=True, stdin=subprocess.DEVNULL,
                        stdout=subprocess.DEVNULL)
         cls.setup = next(cls.output.glob("*-setup.exe"))
@@ -89,7 +89,18 @@ class Package(unittest.TestCase):
         wine(self.setup, "/S", *to_the_end(f"/D={place}"))
         return self.drive.joinpath(*place.split("\\")[1:])
 
-    def send_from(self, installed):
+    def build_example(self, installed):
+        """A program that was built with what is installed, in its folder, where the library is."""
+        build = self.output / "examples"
+        for step in (["-G", "Ninja", "-S", installed / "examples", "-B", build,
+                      f"-DCMAKE_TOOLCHAIN_FILE={ROOT}/cmake/mingw-w64.cmake",
+                      f"-DCMAKE_PREFIX_PATH={installed}"],
+                     ["--build", build, "--target", "simple-example"]):
+            subprocess.run(["cmake", *step], check=True, stdin=subprocess.DEVNULL,
+                           stdout=subprocess.DEVNULL)
+        return shutil.copy(build / "simple-example.exe", installed)
+
+    def send_from(self, installed, *programs):
         with tempfile.TemporaryDirectory(prefix="quorvane-") as folder:
             catcher = Catcher(folder)
             try:
@@ -98,6 +109,8 @@ class Package(unittest.TestCase):
                          catcher.port)
                 wine(installed / "quorvane-send.exe", "--server", f"127.0.0.1:{catcher.port}",
                      "--from", "a@x", "--to", "b@x", "--text", "x")
+                for program in programs:
+                    wine(program, "127.0.0.1", catcher.port)
                 return len(catcher.messages())
             finally:
                 catcher.stop()
@@ -140,7 +153,7 @@ class Package(unittest.TestCase):
         wine(installed / "uninstall.exe", "/S", r"_?=C:\Compared")
 
         wine("regsvr32", "/s", folder / "Quorvane.dll")
-        self.assertEqual(self.send_from(folder), 5)
+        self.assertEqual(self.send_from(folder, self.build_example(folder)), 6)
         wine("regsvr32", "/u", "/s", folder / "Quorvane.dll")
 
 

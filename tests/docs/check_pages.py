@@ -22,7 +22,8 @@ EXAMPLES = ROOT / "examples"
 PROGRAMS = {"vbscript", "js", "cpp", "sh", "exim"}
 STAND_INS = {".vbs": {"WScript.Arguments(0)": '"mail.example.com"', "WScript.Arguments(1)": "25"},
              ".js": {"WScript.Arguments(0)": '"mail.example.com"'},
-             ".cpp": {"arguments[1]": '"mail.example.com"'},
+             ".cpp": {"arguments[1], port": '"mail.example.com"',
+                      "arguments[1]": '"mail.example.com"'},
              ".sh": {'"$1"': "mail.example.com"}}
 PATH = re.compile(r"`((?:automation|bench|cli|cmake|component|docs|examples|fuzz|include|mime|model|"
                   r"packaging|platform|scripts|server|smtp|tests)/[\w./-]*)`")

@@ -2,7 +2,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstring>
+#include <ctime>
 #include <functional>
 #include <stdexcept>
 
@@ -35,6 +37,7 @@ public:
 
     std::string_view Compose() override {
         end_ = out_.data();
+        AppendChangingFields();
         for (const Piece& piece : pieces_) Append(piece, [] {});
         return Text();
     }
@@ -44,6 +47,7 @@ public:
         SmtpDialogue dialogue(port_);
         dialogue.Open(workload_.senderAddress, workload_.recipientAddresses);
         end_ = out_.data();
+        AppendChangingFields();
         for (const Piece& piece : pieces_) {
             Append(piece, [&] {
                 dialogue.SendPart(Text());
@@ -58,6 +62,7 @@ private:
     static constexpr std::size_t kPieceOfFile = 2048 * kLineBytes;
     static constexpr std::size_t kBeyond = 32;  // that the encoders read and write
 
+    // The fields that change are appended for each message.
     std::string Header() const {
         std::string to;
         for (std::size_t i = 0; i < workload_.recipientAddresses.size(); ++i) {
@@ -66,11 +71,24 @@ private:
         }
         return "From: " + Mailbox(workload_.senderName, workload_.senderAddress) + "\r\nTo: " + to +
                "\r\nSubject: " + HeaderText(workload_.subject) +
-               "\r\nDate: Thu, 1 Jan 2026 12:00:00 +0000\r\nMessage-ID: <1.bench." +
-               workload_.senderAddress +
-               ">\r\nImportance: Normal\r\nX-MSMail-Priority: Normal\r\nX-Priority: 3 (Normal)\r\n"
+               "\r\nImportance: Normal\r\nX-MSMail-Priority: Normal\r\nX-Priority: 3 (Normal)\r\n"
                "X-Mailer: Quorvane ActiveX 4.1 (Lindbrek Quorvane)\r\n"
                "X-MimeOLE: Produced By Lindbrek Mime V4.1\r\nMIME-Version: 1.0\r\n";
+    }
+
+    void AppendChangingFields() {
+        const std::time_t now = std::time(nullptr);
+        std::tm local{};
+        localtime_r(&now, &local);
+        end_ += std::strftime(end_, 64, "Date: %a, %d %b %Y %H:%M:%S %z\r\n", &local);
+        Copy("Message-ID: <");
+        end_ = std::to_chars(end_, end_ + 20, ++count_).ptr;
+        Copy(".bench@example.com>\r\n");
+    }
+
+    void Copy(std::string_view text) {
+        std::memcpy(end_, text.data(), text.size());
+        end_ += text.size();
     }
 
     void MakeMixed() {
@@ -155,8 +173,7 @@ private:
     }
 
     void Append(const Piece& piece, const std::function<void()>& afterPieceOfFile) {
-        std::memcpy(end_, piece.ready.data(), piece.ready.size());
-        end_ += piece.ready.size();
+        Copy(piece.ready);
         const std::string& content = piece.content;
         switch (piece.kind) {
             case Piece::Nothing:
@@ -185,6 +202,7 @@ private:
 
     Workload workload_;
     int port_ = 0;
+    unsigned long count_ = 0;
     std::vector<Piece> pieces_;
     std::string out_;
     char* end_ = nullptr;

@@ -2,7 +2,7 @@
 
 #include <immintrin.h>
 
-#include <array>
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -49,11 +49,23 @@ char* AppendLastLine(const char* bytes, std::size_t size, char* out) {
     return out;
 }
 
-constexpr std::array<bool, 256> kPlain = [] {
-    std::array<bool, 256> plain{};
-    for (int c = ' '; c < 0x7F; ++c) plain[static_cast<std::size_t>(c)] = c != '=';
-    return plain;
-}();
+// Copies 32 characters and returns how many of them, from the first on, need no encoding.
+__attribute__((target("avx2,bmi"))) std::ptrdiff_t CopyPlain(const char* in, char* out) {
+    const __m256i text = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), text);
+    const __m256i isPrintable = _mm256_cmpgt_epi8(text, _mm256_set1_epi8(0x1F));
+    const __m256i isEqualSign = _mm256_cmpeq_epi8(text, _mm256_set1_epi8('='));
+    const auto plain =
+        static_cast<unsigned>(_mm256_movemask_epi8(_mm256_andnot_si256(isEqualSign, isPrintable)));
+    return static_cast<std::ptrdiff_t>(_tzcnt_u64(~static_cast<std::uint64_t>(plain)));
+}
+
+char* AppendEncoded(unsigned char c, char* out) {
+    *out++ = '=';
+    *out++ = "0123456789ABCDEF"[c >> 4];
+    *out++ = "0123456789ABCDEF"[c & 0xF];
+    return out;
+}
 
 }  // namespace
 
@@ -72,28 +84,28 @@ char* AppendBase64(const char* bytes, std::size_t size, char* out) {
 }
 
 char* AppendQuotedPrintable(const char* text, std::size_t size, char* out) {
-    constexpr std::ptrdiff_t kLongest = 72;  // and room for one more and the "="
+    constexpr std::ptrdiff_t kLongest = 72;  // with room for one more, encoded, and the "="
     const char* const end = text + size;
     const char* line = out;
     while (text < end) {
-        const auto c = static_cast<unsigned char>(*text++);
-        if (c == '\r') {
+        const std::ptrdiff_t room = std::max<std::ptrdiff_t>(kLongest - (out - line), 0);
+        const std::ptrdiff_t plain = std::min({CopyPlain(text, out), end - text, room});
+        text += plain;
+        out += plain;
+        if (text == end) break;
+        if (*text == '\r') {
+            if (out > line && out[-1] == ' ') out = AppendEncoded(' ', out - 1);
             std::memcpy(out, "\r\n", 2);
             line = out += 2;
-            ++text;
+            text += 2;
             continue;
         }
-        if (out - line > kLongest) {
+        if (out - line >= kLongest) {
             std::memcpy(out, "=\r\n", 3);
             line = out += 3;
+        } else if (plain < 32) {
+            out = AppendEncoded(static_cast<unsigned char>(*text++), out);
         }
-        if (kPlain[c] && !(c == ' ' && *text == '\r')) {
-            *out++ = static_cast<char>(c);
-            continue;
-        }
-        *out++ = '=';
-        *out++ = "0123456789ABCDEF"[c >> 4];
-        *out++ = "0123456789ABCDEF"[c & 0xF];
     }
     return out;
 }

@@ -11,7 +11,8 @@ constexpr std::size_t kLineBytes = 57;  // of a Base64 line
 // Returns the end.
 char* AppendBase64(const char* bytes, std::size_t size, char* out);
 
-// Quoted-printable of text whose lines end in CRLF. Returns the end.
+// Quoted-printable of text whose lines end in CRLF. Writes and reads up to 32 bytes beyond. Returns
+// the end.
 char* AppendQuotedPrintable(const char* text, std::size_t size, char* out);
 
 }  // namespace quorvane::bench

@@ -179,6 +179,7 @@ def arguments():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--programs", type=Path, required=True, help="folder of the programs")
     parser.add_argument("--rounds", type=int, default=7)
+    parser.add_argument("--check", action="store_true", help="compare the messages, no more")
     parser.add_argument("--growth", action="store_true", help="measure that too")
     parser.add_argument("--document", type=Path,
                         help="put the tables into this file, and the picture beside it")
@@ -193,6 +194,8 @@ def main():
     with tempfile.TemporaryDirectory() as name:
         bench = Bench(options.programs, Path(name), options.rounds)
         bench.prepare({row.workload for row in rows}, [FILE])
+        if options.check:
+            return not bench.check(rows)
         if rows:
             outcomes = measure_rows(bench, rows)
             if outcomes is None:

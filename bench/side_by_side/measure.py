@@ -155,6 +155,8 @@ def measure_rows(bench, rows):
     for row in rows:
         outcomes.append(bench.measure(row))
         print(document.line(outcomes[-1], bench.names), flush=True)
+    if any(outcome.processor for outcome in outcomes):
+        print("\n" + document.processor(outcomes, bench.names))
     return outcomes
 
 

@@ -56,15 +56,21 @@ void Resize(IUnknown* control, LONG width, LONG height) {
         EXPECT_EQ(seen.cy, height) << "height";     \
     } while (false)
 
-// One of the reviewed pictures of this name. The picture of a failed test is kept in the folder
-// that the test ran in.
+// The reviewed picture of this name. The picture of a failed test is kept in the folder that the
+// test ran in.
 void ExpectPicture(const Picture& drawn, const std::string& name) {
-    const std::filesystem::path folder = QUORVANE_TEST_DATA "/component/pictures";
-    for (const char* letters : {"", "-wine", "-linux"}) {
-        if (drawn.LooksLike(ReadPicture(folder / (name + letters + ".bmp")))) return;
-    }
+    const std::filesystem::path file =
+        std::filesystem::path(QUORVANE_TEST_DATA "/component/pictures") / (name + ".bmp");
+    if (drawn.LooksLike(ReadPicture(file))) return;
     WritePicture(drawn, name + ".bmp");
-    FAIL() << "unlike every " << folder / name << "; what was drawn is now in " << name << ".bmp";
+    FAIL() << "unlike " << file << "; what was drawn is now in " << name << ".bmp";
+}
+
+// The reviewed picture, but for the area of the letters, whose shapes are those of the fonts that a
+// machine has.
+void ExpectPictureBeside(const RECT& letters, Picture drawn, const std::string& name) {
+    drawn.Erase(letters);
+    ExpectPicture(drawn, name);
 }
 
 Picture DrawnBy(const ComPtr<IUnknown>& control, const RECT& bounds) {
@@ -84,8 +90,20 @@ TEST(Control, DrawsItsIconOrABoxWithItsNameInsideTheBounds) {
         ExpectPicture(DrawnBy(control, {5, 6, 5, 6}), "nothing");
     }
     const ComPtr<IUnknown> control = NewControl();
-    ExpectPicture(DrawnBy(control, {5, 6, 120, 54}), "box");
-    ExpectPicture(DrawnBy(control, {5, 6, 45, 54}), "box-clipped");
+    const Picture box = DrawnBy(control, {5, 6, 120, 54});
+    ExpectPictureBeside({6, 7, 119, 53}, box, "box");
+    const RECT word = box.DarkWithin({6, 7, 119, 53});
+    EXPECT_NEAR(word.left + word.right, 5 + 120, 4) << "in the middle";
+    EXPECT_GT(word.right - word.left, 40) << "all of the word";
+    EXPECT_NEAR(word.bottom, 32, 3) << "the tail of the Q";
+    const RECT end = box.DarkWithin({(word.left + word.right) / 2, 7, 119, 53});
+    EXPECT_NEAR(end.bottom, (6 + 54) / 2, 1) << "on the line";
+
+    const Picture small = DrawnBy(control, {5, 6, 45, 54});
+    ExpectPictureBeside({5, 7, 45, 53}, small, "box-clipped");
+    const RECT part = small.DarkWithin({6, 7, 44, 53});
+    EXPECT_LT(part.left, 12);
+    EXPECT_GT(part.right, 38);
     ExpectPicture(DrawnBy(control, {5, 6, 5, 6}), "nothing");
 }
 

@@ -13,6 +13,7 @@ namespace {
 constexpr std::size_t kFileHeader = 14;
 constexpr std::size_t kHeaders = kFileHeader + sizeof(BITMAPINFOHEADER);
 constexpr std::uint32_t kGrey = 0xC0C0C0;
+constexpr std::uint32_t kWhite = 0xFFFFFF;
 
 std::size_t BytesALine(LONG width) {
     return (static_cast<std::size_t>(width) * 3 + 3) / 4 * 4;
@@ -43,6 +44,25 @@ bool Picture::LooksLike(const Picture& other) const {
     return width == other.width && height == other.height &&
            std::equal(pixels.begin(), pixels.end(), other.pixels.begin(), other.pixels.end(),
                       close);
+}
+
+RECT Picture::DarkWithin(const RECT& area) const {
+    RECT found = {area.right, area.bottom, area.left, area.top};
+    for (LONG y = area.top; y < area.bottom; ++y) {
+        for (LONG x = area.left; x < area.right; ++x) {
+            const std::uint32_t green = pixels[std::size_t(y * width + x)] >> 8 & 0xFF;
+            if (green >= 0x80) continue;
+            found = {std::min(found.left, x), std::min(found.top, y), std::max(found.right, x + 1),
+                     std::max(found.bottom, y + 1)};
+        }
+    }
+    return found.left < found.right ? found : RECT{};
+}
+
+void Picture::Erase(const RECT& area) {
+    for (LONG y = area.top; y < area.bottom; ++y) {
+        std::fill_n(pixels.begin() + y * width + area.left, area.right - area.left, kWhite);
+    }
 }
 
 Picture ReadPicture(const std::filesystem::path& file) {

@@ -16,6 +16,10 @@ struct Picture {
 
     // No more than a rounding error between the colours of any two pixels.
     bool LooksLike(const Picture& other) const;
+    // The smallest rectangle around what is dark inside the area; empty when nothing is.
+    RECT DarkWithin(const RECT& area) const;
+    // Paints the area white.
+    void Erase(const RECT& area);
 };
 
 // A bitmap file of 24 bits a pixel; an empty picture when there is none.

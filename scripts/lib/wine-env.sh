@@ -34,6 +34,10 @@ _wine_env_create() {
     _wine_env_quietly wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f || return
     _wine_env_quietly wine reg add 'HKCU\Software\Wine\WineDbg' \
         /v ShowCrashDialog /t REG_DWORD /d 0 /f || return
+    # The debugger that Wine starts for a program that crashes may end it with the exit status 0.
+    _wine_env_quietly wine reg add \
+        'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' \
+        /v Debugger /d 'cmd /c exit %ld %ld' /f || return
     "$_wine_env_server" -w || return
     touch "$WINEPREFIX/.ready"
 }

@@ -25,6 +25,15 @@ bool HangsFor(std::string_view sender) {
     return sender.starts_with("silent") || sender.starts_with("stall");
 }
 
+// Takes messages until the condition comes true; false after five minutes.
+template <class Condition>
+bool WaitFor(const Condition& condition) {
+    for (int patience = 0; patience < 15; ++patience) {
+        if (PumpUntil(condition)) return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 // Everything that goes with one SmtpMail object.
@@ -83,11 +92,16 @@ void Client::LetGo() {
     object_->point.Reset();
     object_->mail.Reset();
     // A last event may be on its way, for which the listeners have to be there.
-    PumpUntil([this] {
+    const bool released = WaitFor([this] {
         ULONG references = object_->witness.references;
         for (const Listener& other : object_->others) references += other.references;
         return references == 0;
     });
+    if (!released) {
+        Fault("the listeners", "are still held");
+        object_.release();
+        return;
+    }
     object_.reset();
 }
 
@@ -120,8 +134,8 @@ void Client::Send() {
     const std::string sender = fmt::format("{}-{}-{}@x", treatment, number_, ++sent_);
     const std::size_t size = static_cast<std::size_t>(Random(8) == 0 ? Random(100000) : 20);
     LONG number = 0;
-    Check("SendAsync",
-          object_->mail->SendAsync(MessageOf(WidenBytes(sender), size).Get(), VARIANT_TRUE, &number));
+    Check("SendAsync", object_->mail->SendAsync(MessageOf(WidenBytes(sender), size).Get(),
+                                                VARIANT_TRUE, &number));
     if (number != static_cast<LONG>(object_->senders.size()) + 1) Fault(sender, "a wrong number");
     object_->senders[number] = sender;
     fates_[sender] = {};
@@ -190,10 +204,7 @@ void Client::Settle() {
         }
         return ends == object_->senders.size();
     };
-    for (int patience = 0; patience < 15; ++patience) {
-        if (PumpUntil(ended)) return;
-    }
-    Fault("the witness", "has not heard of the end of every message");
+    if (!WaitFor(ended)) Fault("the witness", "has not heard of the end of every message");
 }
 
 void Client::JudgeObject() {

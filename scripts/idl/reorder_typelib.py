@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
-"""Moves types to the front of a type library.
+"""Moves types to the front of a type library, and takes the time of its making out of it.
 
 widl damages a library whose first type is a dispinterface, so the definition lets an interface
 come first and this step restores the order that is wanted. The types' records are permuted in the
-file and every reference to them is rewritten; nothing else changes.
+file and every reference to them is rewritten. widl's marks of when it ran give way to the epoch, so
+that the same definition makes the same file; nothing else changes.
 
 The file format (MSFT): a header, one offset per type, a directory of segments, the segments. A
 type is referred to by the offset of its record in the type-info segment; references into other
@@ -11,8 +12,10 @@ libraries have one of the two low bits set.
 """
 
 import argparse
+import re
 import struct
 import sys
+import time
 
 HEADER_SIZE = 0x54
 HEADER_FLAGS = 0x14
@@ -23,6 +26,8 @@ RECORD_NAME = 0x34
 RECORD_BASE = 0x54  # base interface, or for a class the first entry of its reference list
 KIND_INTERFACE, KIND_DISPATCH, KIND_ALIAS, KIND_CLASS = 3, 4, 6, 5
 VT_USERDEFINED = 29
+# How the identifiers of the two marks begin: seconds, and a sentence with the time in it.
+MARK_SECONDS, MARK_SENTENCE = 0xDE77BA63, 0xDE77BA65
 SEGMENTS = ("types", "imports", "files", "references", "guid_hash", "guids", "name_hash", "names",
             "strings", "descriptions", "arrays", "custom", "custom_guids", "unused1", "unused2")
 
@@ -112,8 +117,25 @@ def reorder(library, first):
         redirect(position)
 
 
+def forget_time(library):
+    epoch = b" at " + time.asctime(time.gmtime(0)).encode() + b"\n"
+    for position in library.entries("custom_guids", 12):
+        guid = library.segments["guids"].start + library.word(position)
+        value = library.segments["custom"].start + library.word(position + 4) + 2  # behind its type
+        mark = library.word(guid) & 0xFFFFFFFF
+        if mark == MARK_SECONDS:
+            library.set_word(value, 0)
+        elif mark == MARK_SENTENCE:
+            text = slice(value + 4, value + 4 + library.word(value))
+            changed = re.sub(rb" at .{24}\n$", epoch, library.data[text])
+            if epoch not in changed:
+                raise ValueError("another sentence than expected tells when it was made")
+            library.data[text] = changed
+
+
 def main():
-    parser = argparse.ArgumentParser(description="Moves types to the front of a type library.")
+    parser = argparse.ArgumentParser(
+        description="Moves types to the front of a type library and takes the time out of it.")
     parser.add_argument("library", help="type library that widl made")
     parser.add_argument("output", help="file to write")
     parser.add_argument("types", nargs="+", help="names of the types, in the wanted order")
@@ -122,6 +144,7 @@ def main():
         with open(arguments.library, "rb") as file:
             library = TypeLibrary(file.read())
         reorder(library, arguments.types)
+        forget_time(library)
         with open(arguments.output, "wb") as file:
             file.write(library.data)
     except (OSError, ValueError, KeyError) as error:

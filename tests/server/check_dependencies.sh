@@ -26,7 +26,8 @@ case $library in
         for flag in HIGH_ENTROPY_VA DYNAMIC_BASE NX_COMPAT; do
             grep -q "$flag" <<<"$headers" || complain "lacks $flag"
         done
-        grep -q 'Time/Date.*1970' <<<"$headers" || complain "carries the time of its making"
+        grep -q 'Time/Date.*1970' <<<"$headers" && grep -qa 'Created by WIDL .* 1970$' "$library" ||
+            complain "carries the time of its making"
         if grep -qaF "$PWD" "$library"; then complain "carries the name of a folder"; fi
         ;;
     *)

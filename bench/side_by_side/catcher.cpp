@@ -107,7 +107,7 @@ public:
     }
 
     bool Read() override {
-        if (inMessage_ && !messages_.AreKept()) DropAllButTheEnd();
+        if (isLong_) DropAllButTheEnd();
         static std::array<char, 65536> piece;
         const ssize_t size = recv(descriptor(), piece.data(), piece.size(), 0);
         if (size <= 0) return size < 0 && (errno == EAGAIN || errno == EINTR);
@@ -128,6 +128,8 @@ private:
     }
 
     bool TakeText(std::string_view bytes) {
+        constexpr std::size_t kLong = 32768;
+        isLong_ = (isLong_ || bytes.size() >= kLong) && !messages_.AreKept();
         if (messages_.AreKept()) text_ += bytes;
         end_ += bytes.substr(bytes.size() - std::min(bytes.size(), kEndOfMessage.size()));
         if (end_.size() > kEndOfMessage.size()) end_.erase(0, end_.size() - kEndOfMessage.size());
@@ -136,7 +138,7 @@ private:
         if (messages_.AreKept()) text_.resize(text_.size() - 3);
         messages_.Take(text_);
         text_.clear();
-        inMessage_ = false;
+        inMessage_ = isLong_ = false;
         return Say("250 taken\r\n");
     }
 
@@ -181,6 +183,7 @@ private:
     std::string text_;
     std::string end_;  // of the text so far
     bool inMessage_ = false;
+    bool isLong_ = false;
 };
 
 class Listener : public Source {
@@ -204,10 +207,8 @@ public:
     int port() const { return port_; }
 
     bool Read() override {
-        for (int client; (client = accept4(descriptor(), nullptr, nullptr,
-                                           SOCK_NONBLOCK | SOCK_CLOEXEC)) >= 0;) {
-            loop_.Add(std::make_unique<Session>(client, messages_));
-        }
+        const int client = accept4(descriptor(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
+        if (client >= 0) loop_.Add(std::make_unique<Session>(client, messages_));
         return true;
     }
 

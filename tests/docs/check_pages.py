@@ -23,7 +23,8 @@ PROGRAMS = {"vbscript", "js", "cpp", "sh", "exim"}
 STAND_INS = {".vbs": {"WScript.Arguments(0)": '"mail.example.com"', "WScript.Arguments(1)": "25"},
              ".js": {"WScript.Arguments(0)": '"mail.example.com"'},
              ".cpp": {"arguments[1], port": '"mail.example.com"',
-                      "arguments[1]": '"mail.example.com"'},
+                      "arguments[1]": '"mail.example.com"',
+                      "count > 2 ? std::atoi(arguments[2]) : 25": "587"},
              ".sh": {'"$1"': "mail.example.com"}}
 PATH = re.compile(r"`((?:automation|bench|cli|cmake|component|docs|examples|fuzz|include|mime|model|"
                   r"packaging|platform|scripts|server|smtp|tests)/[\w./-]*)`")

@@ -167,13 +167,15 @@ def sections_of(bench, outcomes):
 
 
 def measure_growth(bench, picture):
-    """A table of it, as a section of the document."""
+    """A table of it, below the picture when there is one, as a section of the document."""
     bench.prepare((), growth.sizes())
     curves = growth.measure_all(bench)
-    if picture:
-        growth.draw(curves, picture)
     table = document.table(growth.HEAD, growth.rows(curves))
     print("\n" + table)
+    if picture:
+        growth.draw(curves, picture)
+        table = (f"![Time and memory of each further KiB, recipient and attachment]({picture.name})\n\n"
+                 + table)
     return {"growth": table}
 
 

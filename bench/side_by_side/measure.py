@@ -8,6 +8,7 @@ import tempfile
 from dataclasses import dataclass, field
 from pathlib import Path
 
+import calls
 import document
 import growth
 from check_equal import check
@@ -179,12 +180,21 @@ def measure_growth(bench, picture):
     return {"growth": table}
 
 
+def count_calls(bench):
+    """A table of them, as a section of the document."""
+    bench.prepare({"small"}, ())
+    table = document.table(calls.HEAD, calls.rows(bench, "small"))
+    print("\n" + table)
+    return {"calls": table}
+
+
 def arguments():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--programs", type=Path, required=True, help="folder of the programs")
     parser.add_argument("--rounds", type=int, default=7)
     parser.add_argument("--check", action="store_true", help="compare the messages, no more")
     parser.add_argument("--growth", action="store_true", help="measure that too")
+    parser.add_argument("--calls", action="store_true", help="count system calls too")
     parser.add_argument("--document", type=Path,
                         help="put the tables into this file, and the picture beside it")
     parser.add_argument("rows", nargs="*", help="those to measure")
@@ -205,6 +215,8 @@ def main():
             if outcomes is None:
                 return 1
             sections |= sections_of(bench, outcomes)
+        if options.calls:
+            sections |= count_calls(bench)
         if options.growth:
             picture = options.document and options.document.parent / "growth.svg"
             sections |= measure_growth(bench, picture)

@@ -52,10 +52,10 @@ else()
     install(FILES ${CMAKE_BINARY_DIR}/quorvane.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
     set(cli ${CMAKE_SOURCE_DIR}/cli)
-    install(FILES ${cli}/quorvane-send.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 OPTIONAL)
-    install(FILES ${cli}/completion/quorvane-send.bash RENAME quorvane-send OPTIONAL
+    install(FILES ${cli}/quorvane-send.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES ${cli}/completion/quorvane-send.bash RENAME quorvane-send
             DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
-    install(FILES ${cli}/completion/_quorvane-send OPTIONAL
+    install(FILES ${cli}/completion/_quorvane-send
             DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
 endif()
 

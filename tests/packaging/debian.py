@@ -123,6 +123,13 @@ class Installed(unittest.TestCase):
         self.assert_sends(
             "quorvane-send", "--server", f"127.0.0.1:{self.catcher.port}", "--from", "a@x.example",
             "--to", "b@x.example", "--text", "x", "--attach", f"{EXAMPLES}/sample/programme.pdf")
+        self.assertRegex(self.machine.run("man", "quorvane-send"), r"(?s)NAME.*quorvane-send - .*--to")
+        completion = "/usr/share/bash-completion/completions/quorvane-send"
+        self.assertIn("quorvane-send", self.machine.run(
+            "bash", "-c", f". {completion} && complete -p quorvane-send"))
+        self.assertTrue(self.machine.run(
+            "cat", "/usr/share/zsh/vendor-completions/_quorvane-send")
+            .startswith("#compdef quorvane-send\n"))
 
     def test_find_package(self):
         self.machine.run("cmake", "-G", "Ninja", "-S", EXAMPLES, "-B", "/tmp/examples")

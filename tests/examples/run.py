@@ -22,7 +22,7 @@ import mime_check  # noqa: E402
 from mail_catcher import Catcher  # noqa: E402
 
 EXAMPLES = ROOT / "examples"
-BIN, EMULATOR = Path(sys.argv[1]), sys.argv[2:]
+BIN, EMULATOR = Path(sys.argv[1]).resolve(), sys.argv[2:]
 TIMEOUT_SECONDS = 100
 
 
@@ -89,6 +89,22 @@ class Examples(unittest.TestCase):
         [(envelope, _)] = catcher.messages()
         self.assertEqual(envelope["to"], ["ann@example.org"])
 
+    def assert_newsletter(self, outcome):
+        """It was sent with its pictures, all of it as it is in the folder."""
+        folder = EXAMPLES / "newsletter"
+        _, message = self.assert_sent(outcome)
+        self.assertEqual(
+            mime_check.structure(message),
+            "multipart/related(multipart/alternative(text/plain,text/html)"
+            ",image/png,image/png,image/png)")
+        self.assertEqual(self.files(message), {
+            path.name: path.read_bytes() for path in (folder / "images").iterdir()})
+        text, html, *pictures = mime_check.leaves(message)
+        self.assertEqual(text.content, (folder / "newsletter.txt").read_bytes())
+        names = {part.content_id: f"images/{part.name}" for part in pictures}
+        restored = re.sub(r"cid:(\w+)", lambda found: names[found[1]], html.content.decode())
+        self.assertEqual(restored, (folder / "newsletter.html").read_bytes().decode())
+
     def files(self, message):
         return {part.name: part.content for part in mime_check.leaves(message) if part.disposition}
 
@@ -135,6 +151,9 @@ class Shell(Examples):
         self.assertEqual(envelope["to"], ["ann@example.org"])
         self.assertEqual(message.get_payload(), "Dinner at eight?\r\n")
 
+    def test_newsletter(self):
+        self.assert_newsletter(self.run_shell("newsletter", self.catcher.port))
+
     def test_login(self):
         catcher, secret = self.relay("zoe@bjork.example", "secret pass")
         self.assert_logged_in(catcher, self.run_shell("login", catcher.port, secret.parent))
@@ -156,19 +175,7 @@ class Scripts:
             for name in ("programme.pdf", "menu.csv")})
 
     def test_newsletter(self):
-        folder = EXAMPLES / "newsletter"
-        _, message = self.assert_sent(self.run_script("newsletter", *self.server))
-        self.assertEqual(
-            mime_check.structure(message),
-            "multipart/related(multipart/alternative(text/plain,text/html)"
-            ",image/png,image/png,image/png)")
-        self.assertEqual(self.files(message), {
-            path.name: path.read_bytes() for path in (folder / "images").iterdir()})
-        text, html, *pictures = mime_check.leaves(message)
-        self.assertEqual(text.content, (folder / "newsletter.txt").read_bytes())
-        names = {part.content_id: f"images/{part.name}" for part in pictures}
-        restored = re.sub(r"cid:(\w+)", lambda found: names[found[1]], html.content.decode())
-        self.assertEqual(restored, (folder / "newsletter.html").read_bytes().decode())
+        self.assert_newsletter(self.run_script("newsletter", *self.server))
 
     def test_queue(self):
         self.assert_queued(self.run_script("queue", *self.server))

@@ -13,6 +13,9 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parents[2]
 BUILD = ROOT / "build"
 CTEST_TIMEOUT_SECONDS = 600
+# More than there are processors: most tests wait most of the time, for a peer or for the pace of
+# the queue.
+TESTS_AT_A_TIME = "3"
 
 PRESETS = {
     "native": ["linux-release"],
@@ -92,6 +95,7 @@ def run_ctest(preset, totals):
     limit = ["-R", f"^({'|'.join(LIMITED[preset])})$"] if preset in LIMITED else []
     subprocess.run(
         ["ctest", "--test-dir", str(folder), "--output-on-failure", "--no-tests=error", *limit,
+         "--parallel", TESTS_AT_A_TIME,
          "--timeout", str(CTEST_TIMEOUT_SECONDS), "--output-junit", str(junit)],
         env=environment, stdin=subprocess.DEVNULL)
     if not junit.exists():

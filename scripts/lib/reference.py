@@ -248,7 +248,7 @@ class Reference:
                   "- A null pointer where a value is to be put answers E_INVALIDARG, and so does a null object.",
                   "- Where memory runs out: E_OUTOFMEMORY. Sends answer E_FAIL, \"Unexpected exception!\".",
                   "- A text property keeps a text up to its first NUL; a null text counts as empty.",
-                  "- Truth values: what is not 0 is true. A value reads back as it was given.",
+                  "- Truth values: what is not 0 is true. Programs read back the number that they have put.",
                   "- Enumerations take any number; what others than the named values mean stands with each property.",
                   "- Errors of the tables come with error information, where a text stands beside the status: "
                   "[Errors](../guide/errors.md#wrong-use).", "", "## All members", "",

@@ -48,7 +48,10 @@ protected:
     // listener of it in its hands, and letting that go takes this thread's help.
     void TearDown() override {
         client.mail.Reset();
-        EXPECT_TRUE(PumpUntil(ModuleCanUnload));
+        EXPECT_TRUE(PumpUntil([&] {
+            return ModuleCanUnload() &&
+                   sink.references + other.references + function.references == 0;
+        }));
     }
 
     ComPtr<IConnectionPoint> Point() {
@@ -313,7 +316,8 @@ TEST_F(Events, ReleaseDoesNotWaitForAListenerThatIsBusy) {
         listening = true;
         EXPECT_TRUE(Eventually([&] { return end.load(); })) << "the release waits";
         EXPECT_THAT(deaf.events, IsEmpty());
-        EXPECT_TRUE(PumpUntil(ModuleCanUnload)) << "the thread ends once its call is taken";
+        EXPECT_TRUE(PumpUntil([&] { return ModuleCanUnload() && deaf.references == 0; }))
+            << "the thread ends once its call is taken";
     });
     ASSERT_TRUE(Eventually([&] { return listening.load(); }));
     Advise(sink);

@@ -122,6 +122,29 @@ TEST_F(Events, TellOfWhatIsCancelledInTheOrderOfTheNumbers) {
                                          StatusEvent(4, 4), StatusEvent(5, 4), StatusEvent(1, 4)));
 }
 
+// What is cancelled between two pieces of a message has the session's code, unless the look of
+// every half second came first.
+TEST_F(Events, TellWhenATransferCanBeCancelled) {
+    constexpr std::size_t kMoreThanSocketsHold = 12 << 20;
+    Advise(sink);
+    client.mail->put_MaxThreads(1);
+    LONG code = -2;
+    for (int tries = 0; tries < 5 && code == -2; ++tries) {
+        MailPeer stalled;
+        client.mail->put_SmtpPort(stalled.port());
+        sink.events.clear();
+        const LONG number = client.Send(OLESTR("stall@x"), kMoreThanSocketsHold);
+        ASSERT_TRUE(PumpUntil([&] { return sink.events.size() > 1; })) << "pieces under way";
+        client.mail->Cancel(number);
+        stalled.Open();
+        ASSERT_TRUE(PumpForStatus(number, MailStatusCanceled));
+        code = client.Code(number);
+        EXPECT_EQ(client.Text(number), "");
+        EXPECT_THAT(stalled.accepted(), IsEmpty());
+    }
+    EXPECT_EQ(code, -1);
+}
+
 TEST_F(Events, ReachEverySinkInItsSlot) {
     EXPECT_EQ(Advise(sink), 1u);
     EXPECT_EQ(Advise(other), 2u);

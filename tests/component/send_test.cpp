@@ -15,15 +15,8 @@ namespace quorvane {
 namespace {
 
 using testing::Delivery;
+using testing::ParseScript;
 using testing::ScriptedPeer;
-
-testing::Script ParseScript(std::initializer_list<std::string_view> lines) {
-    testing::Script script;
-    for (const std::string_view line : lines) {
-        EXPECT_TRUE(testing::ParseStep(line, script)) << line;
-    }
-    return script;
-}
 
 ComPtr<IMailAddress> Address(WideView address) {
     auto object = New<CMailAddress, IMailAddress>();

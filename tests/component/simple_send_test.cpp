@@ -22,14 +22,10 @@ protected:
     }
     // A server that takes the envelope for two recipients and refuses the message.
     static testing::Script RefusingServer() {
-        testing::Script script;
-        for (const char* line :
-             {"S: 220 mx", "C: EHLO client.test", "S: 250 mx", "C: MAIL FROM: <s@x>", "S: 250 ok",
-              "C: RCPT TO: <a@x>", "S: 250 ok", "C: RCPT TO: <b@x>", "S: 250 ok", "C: DATA",
-              "S: 554 no", "C: QUIT", "S: 221 bye"}) {
-            EXPECT_TRUE(testing::ParseStep(line, script)) << line;
-        }
-        return script;
+        return testing::ParseScript({"S: 220 mx", "C: EHLO client.test", "S: 250 mx",
+                                     "C: MAIL FROM: <s@x>", "S: 250 ok", "C: RCPT TO: <a@x>",
+                                     "S: 250 ok", "C: RCPT TO: <b@x>", "S: 250 ok", "C: DATA",
+                                     "S: 554 no", "C: QUIT", "S: 221 bye"});
     }
 };
 

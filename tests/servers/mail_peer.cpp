@@ -120,6 +120,7 @@ void MailPeer::Run() {
         const bool newcomer = entry->revents != 0;
         for (Client& client : clients) {
             if (!client.deaf && (++entry)->revents != 0) Serve(client);
+            if (open_) client.deaf = false;
             const bool isDue = client.due && Clock::now() >= *client.due;
             if (client.socket.IsOpen() && (isDue || (client.held && open_))) Accept(client);
         }

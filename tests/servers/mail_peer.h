@@ -21,7 +21,7 @@ namespace quorvane::testing {
 //     hold     the message is accepted once the peer is opened
 //     refuse   recipients are refused with 550
 //     silent   the first recipient gets no reply
-//     stall    nothing is read behind DATA
+//     stall    nothing is read behind DATA until the peer is opened
 //     reset    the connection is reset instead of a reply to the first recipient
 //
 // One thread serves all connections. The counts can be read at any time.
@@ -32,7 +32,7 @@ public:
 
     int port() const;  // host byte order
 
-    // Lets all messages through that are held, now and from now on.
+    // Lets all messages through that are held or stalled, now and from now on.
     void Open();
 
     // Wait until that many messages are held or have begun to be ill-treated ("silent", "stall"),

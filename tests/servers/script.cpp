@@ -122,6 +122,14 @@ bool ParseStep(std::string_view line, Script& script) {
     return true;
 }
 
+Script ParseScript(std::initializer_list<std::string_view> lines) {
+    Script script;
+    for (const std::string_view line : lines) {
+        if (!ParseStep(line, script)) throw std::invalid_argument(std::string(line));
+    }
+    return script;
+}
+
 std::string Printable(std::string_view bytes) {
     constexpr std::size_t limit = 200;
     constexpr std::string_view digits = "0123456789ABCDEF";

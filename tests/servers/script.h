@@ -8,7 +8,8 @@
 //     C: (handshake)                       the first record of a TLS handshake
 //     S part: "250-mx"                     the server says these bytes, without a line end
 //     S filler: 2048 "x"                   the server says this, repeated, up to that many bytes
-//     server secures                       the connection with TLS, where there is a TLS server: each
+//     server secures                       the connection with TLS, where there is a TLS server:
+//     each
 //                                          piece of what it says is a record then
 //     server waits 300                     milliseconds
 //     server closes                        the connection
@@ -19,6 +20,7 @@
 // that the client still sends is a deviation. Texts in quotes know \r \n \t \0 \\ \" and \xHH.
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,6 +54,8 @@ enum class Delivery { Whole, ByLine, ByByte };
 // Adds the step that the line tells, if it is a step of a script; throws std::invalid_argument when
 // it is a wrong one.
 bool ParseStep(std::string_view line, Script& script);
+// A whole script; throws std::invalid_argument for a line that is no step.
+Script ParseScript(std::initializer_list<std::string_view> lines);
 
 // Takes a quoted text off the front of `line`, blanks included; throws std::invalid_argument.
 std::string TakeQuoted(std::string_view& line);

@@ -4,7 +4,9 @@
 #include <iterator>
 #include <string_view>
 
+#include "cli/imported_references.h"
 #include "cli/option_values.h"
+#include "cli/system.h"
 #include "cli/text_input.h"
 
 namespace quorvane::cli {
@@ -21,6 +23,16 @@ std::string AnsiBytes(BSTR text) {
     std::string bytes(static_cast<std::size_t>(std::max(size, 0)), '\0');
     WideCharToMultiByte(CP_THREAD_ACP, 0, text, units, bytes.data(), size, nullptr, nullptr);
     return bytes;
+}
+
+// Where the component looks for what an HTML file calls by this name.
+std::string PlaceOf(std::string reference, const std::string& file) {
+    if (reference.size() < 2) return reference;
+    std::replace(reference.begin(), reference.end(), '\\', '/');
+    const bool hasDrive = reference.substr(0, 2).find(':') == 1;
+    if (reference.starts_with('/') || hasDrive) return system::ComponentsPath(reference);
+    const auto folder = file.find_last_of("/\\");
+    return (folder == file.npos ? "" : file.substr(0, folder + 1)) + reference;
 }
 
 std::string BeyondAscii(std::string_view text) {
@@ -50,7 +62,11 @@ std::string ImportPictures(const std::string& file, const std::string& html,
                          " has a name with characters beyond ASCII, which can't be imported. Give "
                          "it another name, or use --no-import.");
     }
-    return WithMailLineEnds(text);
+    const std::string body = WithMailLineEnds(text);
+    for (const std::string& reference : ImportedReferences(html, body)) {
+        RequireContent(PlaceOf(reference, file));
+    }
+    return body;
 }
 
 }  // namespace quorvane::cli

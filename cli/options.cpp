@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <map>
 
+#include "cli/help.h"
 #include "cli/text_input.h"
 
 namespace quorvane::cli {
@@ -29,19 +30,6 @@ const std::map<std::string, MailPriority> kPriorities = {
     {"high", MailPriorityHigh}, {"normal", MailPriorityNormal}, {"low", MailPriorityLow}};
 
 constexpr std::string_view kStandardInput = "-";
-
-// Help that shows each option with the kind of its value and nothing else.
-class PlainHelp : public CLI::Formatter {
-public:
-    PlainHelp() { column_width(34); }
-    std::string make_usage(const CLI::App*, std::string) const override {
-        return "Usage: quorvane-send {--server HOST[:PORT] | --direct} --from ADDRESS "
-               "--to ADDRESS... [OPTION...]\n";
-    }
-    std::string make_option_opts(const CLI::Option* option) const override {
-        return option->get_type_size() == 0 ? "" : " " + option->get_type_name();
-    }
-};
 
 // Checks that leave the help as it is.
 CLI::Validator Between(int lowest, int highest) {
@@ -109,7 +97,7 @@ void DefineContent(CLI::App& app, Options& options, Raw& raw) {
     auto* textFile = AddValue(app, "--text-file", raw.textFile, "FILE", "The same from a file");
     auto* html = AddValue(app, "--html", raw.html, "TEXT", "HTML; plain text goes beside it");
     auto* htmlFile = AddValue(app, "--html-file", raw.htmlFile, "FILE",
-                              "The same from a file, with the pictures that it shows");
+                              "HTML of a file, with the pictures that it shows");
     app.add_flag("--no-import", raw.noImport, "Send that file as it is; --inline does so too");
     AddValue(app, "--alt", raw.alternative, "TEXT", "Plain text to go beside the body");
     auto* bodyFile = AddValue(app, "--body-file", options.bodyFile, "FILE",
@@ -130,14 +118,17 @@ void DefineSending(CLI::App& app, Options& options) {
     app.option_defaults()->group("Sending");
     AddValue(app, "--count", options.count, "N", "Send the message N times")
         ->check(Between(1, 1000000));
-    auto* async = app.add_flag("--async", options.async,
-                               "Send through the queue and show how it goes; Ctrl-C cancels");
+    auto* async = app.add_flag("--async", options.async, "Send through the queue; Ctrl-C cancels");
     AddValue(app, "--threads", options.threads, "N", "Messages of the queue in flight at a time: 5")
         ->check(Between(1, 1000))
         ->needs(async);
     app.add_flag("--json", options.json, "Print each outcome as a line of JSON");
     app.add_flag("--quiet", options.quiet, "Print nothing when all is sent");
-    app.set_help_flag("--help", "Show this text");
+    app.add_flag("--verbose", options.verbose, "Tell each step and its time on standard error");
+    app.add_flag("--dry-run", options.dryRun,
+                 "Send nothing; print envelope and message as a server would get them");
+    app.set_help_flag("--help", "Show the options that most sends need");
+    app.set_help_all_flag("--help-all", "Show all options");
     app.set_version_flag("--version", "quorvane-send " QUORVANE_VERSION, "Show the version");
 }
 
@@ -227,11 +218,11 @@ void CollectBodies(const Raw& raw, Options& options) {
 }
 
 void Collect(const Raw& raw, Options& options) {
-    if (raw.server.empty() && !options.direct) {
+    if (raw.server.empty() && !options.direct && !options.dryRun) {
         throw UsageError("Name the mail server with --server HOST[:PORT], or say --direct.");
     }
     if (raw.from.empty()) throw UsageError("Name the sender with --from ADDRESS.");
-    if (!options.direct) options.server = ParseServer(raw.server);
+    if (!raw.server.empty()) options.server = ParseServer(raw.server);
     options.from = ParseAddress(raw.from);
     options.to = ParseAddresses(raw.to);
     options.cc = ParseAddresses(raw.cc);
@@ -253,10 +244,7 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
     Options options;
     Raw raw;
     CLI::App app{"Sends a message through a mail server.", "quorvane-send"};
-    app.formatter(std::make_shared<PlainHelp>());
-    app.footer(
-        "Options marked * may be given several times.\n"
-        "Exit status: 0 sent, 1 tried and not sent, 2 wrong use.");
+    app.formatter(std::make_shared<Help>());
     app.allow_windows_style_options(false);
     DefineServer(app, options, raw);
     DefineHeader(app, options, raw);
@@ -269,6 +257,9 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
         app.parse(reversed);
     } catch (const CLI::CallForHelp&) {
         options.information = app.help();
+        return options;
+    } catch (const CLI::CallForAllHelp&) {
+        options.information = app.help("", CLI::AppFormatMode::All);
         return options;
     } catch (const CLI::CallForVersion&) {
         options.information = app.version() + "\n";

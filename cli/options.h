@@ -47,6 +47,8 @@ struct Options {
     int threads = 5;     // of the queue
     bool json = false;
     bool quiet = false;
+    bool verbose = false;
+    bool dryRun = false;  // to nobody; there may be no server then
 
     std::string information;  // not empty: to be shown, and nothing is sent
 };

@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "cli/style.h"
+
 namespace quorvane::cli {
 
 std::string OutcomeAsJson(const client::Outcome& outcome) {
@@ -35,9 +37,39 @@ std::string OutcomeAsText(const client::Outcome& outcome) {
     return std::to_string(outcome.code) + ": " + client::ToUtf8(shown);
 }
 
+std::string CaughtAsText(const CaughtMessage& caught, bool forTerminal) {
+    std::string text = "MAIL FROM:<" + caught.from + ">\n";
+    for (const std::string& to : caught.to) text += "RCPT TO:<" + to + ">\n";
+    text += '\n';
+    for (const char c : caught.message) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool control = (byte < 0x20 && c != '\n' && c != '\t') || byte == 0x7F;
+        if (c == '\r') continue;
+        text += forTerminal && control ? '?' : c;
+    }
+    return text;
+}
+
+std::string CaughtAsJson(const CaughtMessage& caught) {
+    nlohmann::ordered_json line;
+    line["number"] = nullptr;
+    line["status"] = "composed";
+    line["code"] = 0;
+    line["text"] = "";
+    line["from"] = caught.from;
+    line["to"] = caught.to;
+    line["message"] = caught.message;
+    return line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
 std::string Summary(int sent, int count) {
     if (count == 1) return sent == 1 ? "Sent." : "Not sent.";
     return std::to_string(sent) + " of " + std::to_string(count) + " messages sent.";
+}
+
+std::string SummaryLine(int sent, int count) {
+    const Colour colour = sent == count ? Colour::kGreen : Colour::kNone;
+    return ForOutput(colour, Summary(sent, count)) + "\n";
 }
 
 }  // namespace quorvane::cli

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "cli/catcher.h"
 #include "quorvane.hpp"
 
 namespace quorvane::cli {
@@ -19,7 +20,17 @@ std::string OutcomeAsJson(const client::Outcome& outcome);
 // whatever the server said.
 std::string OutcomeAsText(const client::Outcome& outcome);
 
+// A message that was composed and not sent: the envelope as the commands that carry it, an empty
+// line, and the message with the line ends of text. For a terminal, control characters that it
+// might act on are shown as '?'.
+std::string CaughtAsText(const CaughtMessage& caught, bool forTerminal);
+// The same with the members that an outcome has, with the status "composed", and "from", "to" and
+// "message" beside them. Bytes that are no UTF-8 become U+FFFD.
+std::string CaughtAsJson(const CaughtMessage& caught);
+
 // "Sent." or the like; says how many of how many when there is more than one message.
 std::string Summary(int sent, int count);
+// The same as a line for standard output.
+std::string SummaryLine(int sent, int count);
 
 }  // namespace quorvane::cli

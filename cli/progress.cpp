@@ -21,9 +21,31 @@ std::string Duration(double seconds) {
     return std::to_string(static_cast<long long>(seconds / 3600 + 0.5)) + " h";
 }
 
+std::string SingleLine(const Progress& progress) {
+    if (progress.bytesTotal <= 0) return {};
+    constexpr int kBar = 40;
+    const double part =
+        static_cast<double>(progress.bytesSent) / static_cast<double>(progress.bytesTotal);
+    const int full = static_cast<int>(part * kBar);
+    std::string line = "[" + std::string(full, '#') + std::string(kBar - full, '.') + "] " +
+                       std::to_string(static_cast<int>(100 * part)) + " %, " +
+                       Megabytes(progress.bytesSent) + " of " + Megabytes(progress.bytesTotal) +
+                       " MB";
+    const double seconds = static_cast<double>(progress.elapsed.count()) / 1000;
+    if (part > 0 && part < 1 && seconds > 1) {
+        line += ", " + Duration(seconds * (1 - part) / part) + " left";
+    }
+    return line;
+}
+
 }  // namespace
 
+std::string Megabytes(long long bytes) {
+    return WithOneDecimal(static_cast<double>(bytes) / 1e6);
+}
+
 std::string ProgressLine(const Progress& progress) {
+    if (progress.count == 1) return SingleLine(progress);
     const int left = progress.count - progress.ended();
     std::vector<std::string> pieces{std::to_string(progress.sent) + " sent",
                                     std::to_string(progress.failed) + " failed"};
@@ -38,10 +60,8 @@ std::string ProgressLine(const Progress& progress) {
         if (left > 0) pieces.push_back(Duration(left / rate) + " left");
     }
     if (progress.bytesTotal > 0) {
-        constexpr double kMegabyte = 1e6;
-        pieces.push_back(
-            WithOneDecimal(static_cast<double>(progress.bytesSent) / kMegabyte) + " of " +
-            WithOneDecimal(static_cast<double>(progress.bytesTotal) / kMegabyte) + " MB");
+        pieces.push_back(Megabytes(progress.bytesSent) + " of " + Megabytes(progress.bytesTotal) +
+                         " MB");
     }
     std::string line;
     for (const std::string& piece : pieces) {

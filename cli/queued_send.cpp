@@ -2,12 +2,17 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
+#include <filesystem>
 #include <map>
 #include <set>
 
+#include "cli/event_log.h"
+#include "cli/failure_report.h"
 #include "cli/output.h"
 #include "cli/progress.h"
 #include "cli/system.h"
+#include "cli/text_input.h"
 #include "quorvane_events.hpp"
 
 namespace quorvane::cli {
@@ -17,6 +22,8 @@ using client::Outcome;
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kGlance{50};
+constexpr std::chrono::milliseconds kSilence{5000};
+constexpr std::uintmax_t kLarge = 500'000;  // bytes: takes a moment on most networks
 constexpr int kLinesWithoutTerminal = 10;
 // Messages that are queued ahead, so that no worker is without work between two glances.
 constexpr std::size_t kQueuedAhead = 1000;  // at least, and two for each worker
@@ -26,13 +33,15 @@ constexpr std::size_t kQueuedAhead = 1000;  // at least, and two for each worker
 class Display {
 public:
     explicit Display(const Options& options)
-        : wanted_(!options.quiet && !options.json), onTerminal_(system::OutputIsTerminal()) {}
+        : wanted_(!options.quiet && !options.json && !options.verbose),
+          onTerminal_(system::OutputIsTerminal()) {}
 
     void Show(const Progress& progress) {
         const int ended = progress.ended();
         if (!wanted_) return;
         if (onTerminal_) {
             const std::string line = ProgressLine(progress);
+            if (line.empty()) return;
             system::WriteOutput("\r" + line + Blanks(line.size()));
             shown_ = line.size();
         } else if (ended >= next_ && ended < progress.count) {
@@ -45,7 +54,8 @@ public:
     // Makes room for lines that stay.
     void Clear() {
         if (shown_ == 0) return;
-        system::WriteOutput("\r" + Blanks(0) + "\r");
+        // The terminal may have put the "^C" that was typed behind the line.
+        system::WriteOutput("\r" + std::string(std::min<std::size_t>(shown_ + 2, 79), ' ') + "\r");
         shown_ = 0;
     }
 
@@ -68,16 +78,24 @@ public:
           mailer_(mailer),
           message_(message),
           display_(options),
+          failures_(options),
+          log_(options),
           queuedAhead_(std::max(kQueuedAhead, 2 * static_cast<std::size_t>(options.threads))) {
         progress_.count = options.count;
-        mailer_.MaxThreads(options.threads);
+        mailer_.MaxThreads(options.async ? options.threads : 1);
     }
 
     ExitStatus Run() {
         system::WatchForInterrupt();
         const client::EventListener listener(
-            mailer_, [](LONG, MailStatus) {},
+            mailer_,
+            [this](LONG number, MailStatus status) {
+                lastEvent_ = Clock::now();
+                log_.Status(number, status);
+            },
             [this](LONG number, LONG sent, LONG total) {
+                lastEvent_ = Clock::now();
+                log_.Progress(number, sent, total);
                 // An event may come after its message has been told of.
                 if (unfinished_.contains(number)) inFlight_[number] = {sent, total};
             });
@@ -90,11 +108,21 @@ public:
             if (progress_.ended() == progress_.count) break;
         }
         display_.Clear();
+        AwaitLastEvents();
         TellTheEnd();
         return progress_.sent == progress_.count ? kSent : kNotSent;
     }
 
 private:
+    // They are a moment behind what has happened, and may stay out when memory runs short.
+    void AwaitLastEvents() {
+        if (!options_.verbose) return;
+        lastEvent_ = Clock::now();
+        while (log_.ended() < accepted_ && Clock::now() - lastEvent_ < kSilence) {
+            client::TakeMessages(kGlance);
+        }
+    }
+
     void TakeInterrupt() {
         if (interrupted_ || !system::Interrupted()) return;
         interrupted_ = true;
@@ -106,6 +134,7 @@ private:
             ++queued_;
             try {
                 unfinished_.insert(mailer_.Queue(message_));
+                ++accepted_;
             } catch (const client::Error& error) {
                 // Refused at the first time, it would be at every other.
                 if (error.status() == E_INVALIDARG && queued_ == 1) throw UsageError(error.what());
@@ -135,10 +164,13 @@ private:
         } else {
             ++progress_.failed;
         }
-        if (options_.json) system::WriteOutput(OutcomeAsJson(outcome, number, status) + "\n");
+        if (options_.json) {
+            const LONG told = options_.async ? number : 0;
+            system::WriteOutput(OutcomeAsJson(outcome, told, status) + "\n");
+        }
         if (status != MailStatusFailed) return;
         display_.Clear();
-        system::WriteError("quorvane-send: not sent: " + OutcomeAsText(outcome) + "\n");
+        failures_.Tell(outcome);
     }
 
     void ShowProgress() {
@@ -156,9 +188,9 @@ private:
     void TellTheEnd() {
         const std::string summary = Summary(progress_.sent, progress_.count);
         if (interrupted_) {
-            system::WriteError("quorvane-send: interrupted. " + summary + "\n");
+            system::WriteError(ErrorText("interrupted. " + summary, {}));
         } else if (!options_.json && !options_.quiet) {
-            system::WriteOutput(summary + "\n");
+            system::WriteOutput(SummaryLine(progress_.sent, progress_.count));
         }
     }
 
@@ -171,16 +203,39 @@ private:
     client::Mailer& mailer_;
     const client::Message& message_;
     Display display_;
+    FailureReport failures_;
+    EventLog log_;
     Progress progress_;
     const Clock::time_point start_ = Clock::now();
     const std::size_t queuedAhead_;
+    Clock::time_point lastEvent_;
     int queued_ = 0;
+    int accepted_ = 0;
     bool interrupted_ = false;
     std::set<LONG> unfinished_;
     std::map<LONG, Bytes> inFlight_;
 };
 
+// Bytes of body and files, more or less.
+std::uintmax_t SizeOf(const Options& options) {
+    std::uintmax_t size = options.body.size() + options.alternative.size();
+    const auto add = [&size](const std::string& file) {
+        std::error_code error;
+        const std::uintmax_t bytes = std::filesystem::file_size(PathOf(file), error);
+        if (!error) size += bytes;
+    };
+    for (const FileArgument& file : options.files) add(file.file);
+    if (!options.bodyFile.empty()) add(options.bodyFile);
+    return size;
+}
+
 }  // namespace
+
+bool WantsQueue(const Options& options) {
+    if (options.async || options.verbose) return true;
+    return !options.quiet && !options.json && system::OutputIsTerminal() &&
+           SizeOf(options) >= kLarge;
+}
 
 ExitStatus SendThroughQueue(const Options& options, client::Mailer& mailer,
                             const client::Message& message) {

@@ -2,6 +2,9 @@
 
 #include <chrono>
 
+#include "cli/dry_run.h"
+#include "cli/failure_report.h"
+#include "cli/hints.h"
 #include "cli/message_builder.h"
 #include "cli/options.h"
 #include "cli/output.h"
@@ -40,8 +43,10 @@ Outcome SendOnce(Mailer& mailer, const client::Message& message) {
 ExitStatus SendAll(const Options& options) {
     const client::Apartment apartment;
     const auto message = BuildMessage(options);
+    if (options.dryRun) return PrintInsteadOfSending(options, message);
     Mailer mailer = MakeMailer(options);
-    if (options.async) return SendThroughQueue(options, mailer, message);
+    if (WantsQueue(options)) return SendThroughQueue(options, mailer, message);
+    FailureReport failures(options);
     int sent = 0;
     for (int i = 0; i < options.count; ++i) {
         const Outcome outcome = SendOnce(mailer, message);
@@ -49,11 +54,11 @@ ExitStatus SendAll(const Options& options) {
         if (outcome.sent()) {
             ++sent;
         } else {
-            system::WriteError("quorvane-send: not sent: " + OutcomeAsText(outcome) + "\n");
+            failures.Tell(outcome);
         }
     }
     if (!options.json && !options.quiet) {
-        system::WriteOutput(Summary(sent, options.count) + "\n");
+        system::WriteOutput(SummaryLine(sent, options.count));
     }
     return sent == options.count ? kSent : kNotSent;
 }
@@ -69,11 +74,12 @@ int Run(const std::vector<std::string>& arguments) {
         }
         return SendAll(options);
     } catch (const UsageError& error) {
-        system::WriteError(std::string("quorvane-send: ") + error.what() +
-                           "\nTry quorvane-send --help.\n");
+        const std::string hint = HintForRefusal(error.what());
+        system::WriteError(ErrorText(error.what(), hint));
+        if (hint.empty()) system::WriteError("Try quorvane-send --help.\n");
         return kWrongUse;
     } catch (const std::exception& error) {
-        system::WriteError(std::string("quorvane-send: ") + error.what() + "\n");
+        system::WriteError(ErrorText(error.what(), {}));
         return kNotSent;
     }
 }

@@ -14,6 +14,10 @@ void WriteError(std::string_view text);
 // Whether somebody may be looking at the output as it is written.
 bool OutputIsTerminal();
 
+// Whether it is a terminal that colours what stands between escape sequences.
+bool OutputShowsColours();
+bool ErrorShowsColours();
+
 // From the first call on, the user's first interruption (Ctrl-C) is only noted; the next one ends
 // the program.
 void WatchForInterrupt();
@@ -28,5 +32,8 @@ std::string RemedyForReaders(const std::string& file);
 
 // False for a file name that the component would understand as another path than this system does.
 bool MeansTheSameToTheComponent(std::string_view file);
+
+// Where the component finds an absolute path with slashes, which may begin with a drive.
+std::string ComponentsPath(const std::string& path);
 
 }  // namespace quorvane::cli::system

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdio>
+#include <cstdlib>
 
 #include "cli/system.h"
 
@@ -43,6 +44,14 @@ bool OutputIsTerminal() {
     return isatty(STDOUT_FILENO) != 0;
 }
 
+bool OutputShowsColours() {
+    return isatty(STDOUT_FILENO) != 0 && std::getenv("TERM");
+}
+
+bool ErrorShowsColours() {
+    return isatty(STDERR_FILENO) != 0 && std::getenv("TERM");
+}
+
 void WatchForInterrupt() {
     struct sigaction action {};
     action.sa_handler = NoteInterrupt;
@@ -71,6 +80,10 @@ std::string RemedyForReaders(const std::string& file) {
 
 bool MeansTheSameToTheComponent(std::string_view file) {
     return file.find('\\') == file.npos && file.substr(0, 2).find(':') != 1;
+}
+
+std::string ComponentsPath(const std::string& path) {
+    return path.starts_with('/') ? path : path.substr(2);  // drives are the root
 }
 
 }  // namespace quorvane::cli::system

@@ -27,6 +27,14 @@ void Write(DWORD which, std::string_view text) {
     WriteConsoleW(handle, static_cast<BSTR>(wide), SysStringLen(wide), &written, nullptr);
 }
 
+// Since Windows 10; older consoles refuse.
+bool TurnOnColours(DWORD which) {
+    const HANDLE handle = GetStdHandle(which);
+    DWORD mode = 0;
+    return GetConsoleMode(handle, &mode) &&
+           SetConsoleMode(handle, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+}
+
 std::atomic<bool> g_interrupted{false};
 
 // Called on a thread of the system's; false has it end the program.
@@ -76,6 +84,14 @@ bool OutputIsTerminal() {
     return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0;
 }
 
+bool OutputShowsColours() {
+    return TurnOnColours(STD_OUTPUT_HANDLE);
+}
+
+bool ErrorShowsColours() {
+    return TurnOnColours(STD_ERROR_HANDLE);
+}
+
 void WatchForInterrupt() {
     SetConsoleCtrlHandler(NoteInterrupt, TRUE);
 }
@@ -110,6 +126,10 @@ std::string RemedyForReaders(const std::string& file) {
 
 bool MeansTheSameToTheComponent(std::string_view) {
     return true;
+}
+
+std::string ComponentsPath(const std::string& path) {
+    return path;
 }
 
 }  // namespace quorvane::cli::system

@@ -89,9 +89,13 @@ void RequireSameMeaning(const std::string& file) {
 }
 
 void RequireSendable(const std::string& file) {
+    RequireSameMeaning(file);
+    RequireContent(file);
+}
+
+void RequireContent(const std::string& file) {
     std::error_code error;
     const auto path = PathOf(file);
-    RequireSameMeaning(file);
     if (!std::filesystem::exists(path, error)) return;
     RequireNoFolder(file);
     if (!std::filesystem::is_regular_file(path, error)) {

@@ -29,6 +29,9 @@ std::string ReadPassword(const std::string& file);
 // Throws UsageError for a file name that the component would take for another path.
 void RequireSameMeaning(const std::string& file);
 
+// The second half of RequireSendable, for a path that is right.
+void RequireContent(const std::string& file);
+
 // Throws UsageError for a file that exists but that the component could not send: a folder, an
 // unreadable file, or an empty one, which would be left out of the message.
 void RequireSendable(const std::string& file);

@@ -32,6 +32,9 @@ TEST(Output, ProgressFitsALineAndSaysOnlyWhatIsKnown) {
         Progress progress;
         const char* line;
     } cases[] = {
+        {{1, 0, 0, 0, milliseconds(0), 0, 0}, ""},
+        {{1, 0, 0, 0, milliseconds(4000), 1'000'000, 4'000'000},
+         "[##########..............................] 25 %, 1.0 of 4.0 MB, 12 s left"},
         {{100, 0, 0, 0, milliseconds(0), 0, 0}, "0 sent, 0 failed, 100 queued"},
         {{100, 0, 0, 0, milliseconds(900), 8192, 3'400'000},
          "0 sent, 0 failed, 100 queued, 0.0 of 3.4 MB"},

@@ -49,10 +49,10 @@ class Client:
         # Wine reads names and arguments by the locale, which a build server may leave unset.
         return {**os.environ, "LC_ALL": "C.UTF-8", **self._environment}
 
-    def start(self, *arguments, stdout=subprocess.PIPE):
+    def start(self, *arguments, stdout=subprocess.PIPE, stderr=subprocess.PIPE):
         """Starts it; the caller waits for the process."""
         return subprocess.Popen([*self._command, *map(str, arguments)], stdin=subprocess.DEVNULL,
-                                stdout=stdout, stderr=subprocess.PIPE, text=True,
+                                stdout=stdout, stderr=stderr, text=True,
                                 env=self._all_variables())
 
     def run(self, *arguments, stdin=None):

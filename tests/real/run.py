@@ -23,11 +23,12 @@ import test_direct  # noqa: E402
 import test_gallery  # noqa: E402
 import test_queue  # noqa: E402
 import test_relay  # noqa: E402
+import test_terminal  # noqa: E402
 import test_tls  # noqa: E402
 from client import ROOT, Client  # noqa: E402
 
 MODULES = (test_relay, test_tls, test_direct, test_beyond, test_command_line, test_queue,
-           test_gallery)
+           test_terminal, test_gallery)
 
 
 class LineResult(unittest.TestResult):

@@ -109,7 +109,7 @@ class CommandLineTest(CatcherTest):
         done = self.client.run("--version")
         self.assertEqual(done.returncode, 0)
         self.assertRegex(done.stdout, r"\Aquorvane-send \d+\.\d+\.\d+\n\Z")
-        done = self.client.run("--help")
+        done = self.client.run("--help-all")
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         for option in ("--server", "--direct", "--from", "--to", "--cc", "--bcc", "--reply-to",
                        "--subject", "--text", "--text-file", "--html", "--html-file",
@@ -118,7 +118,7 @@ class CommandLineTest(CatcherTest):
                        "--header", "--priority", "--read-receipt", "--message-id", "--body-file",
                        "--user", "--password-file", "--spa", "--ssl", "--timeout", "--attempts",
                        "--helo", "--async", "--threads", "--count", "--json", "--quiet",
-                       "--version", "--help"):
+                       "--verbose", "--dry-run", "--version", "--help", "--help-all"):
             self.assertRegex(done.stdout, rf"(?m)^ +{option}\b")
 
     # -- What it says --------------------------------------------------------------------------

@@ -83,8 +83,9 @@ class QueueTest(CatcherTest):
         if self.client.windows:
             self.skipTest("there are no terminals under Wine")
         own, other = pty.openpty()
-        process = self.client.start("--server", f"127.0.0.1:{self.port}", *SIMPLE_ARGUMENTS,
-                                    "--async", "--count", 20, "--threads", 2, stdout=other)
+        colourful = self.client.inside([], {"TERM": "xterm", "NO_COLOR": ""})
+        process = colourful.start("--server", f"127.0.0.1:{self.port}", *SIMPLE_ARGUMENTS,
+                                  "--async", "--count", 20, "--threads", 2, stdout=other)
         os.close(other)
         shown = b""
         with contextlib.suppress(OSError), os.fdopen(own, "rb", buffering=0) as terminal:
@@ -93,7 +94,7 @@ class QueueTest(CatcherTest):
         self.assertEqual(process.communicate(timeout=60)[1], "")
         self.assertEqual(process.returncode, 0)
         *lines, summary = shown.decode().split("\r")[:-1]
-        self.assertEqual(summary.strip(), "20 of 20 messages sent.")
+        self.assertEqual(summary.strip(), "\x1b[32m20 of 20 messages sent.\x1b[0m")
         self.assertNotIn("\n", "".join(lines))
         progress = [line.strip() for line in lines if line.strip()]
         self.assertGreater(len(progress), 3)

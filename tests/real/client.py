@@ -1,12 +1,57 @@
 """quorvane-send of a build, run natively or under Wine."""
 
+import contextlib
 import copy
+import fcntl
 import os
 import pathlib
+import pty
+import re
+import select
 import subprocess
+import termios
+import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 TIMEOUT_SECONDS = 120
+
+
+# Wine's console hides the cursor, ends each line twice, and jumps where others write blanks.
+CONSOLE_HABITS = re.compile(r"\x1b\[\?25[hl]|\x1b\[K|\x1b\[\d+C")
+
+
+class Terminal:
+    """A terminal with a program on it that ends with what is awaited, and a line end."""
+
+    def __init__(self, command, awaited, environment):
+        self._own, other = pty.openpty()
+        self._awaited = awaited
+        self.process = subprocess.Popen(
+            command, stdin=other, stdout=other, stderr=other, env=environment,
+            start_new_session=True, preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0))
+        os.close(other)
+
+    def type(self, keys):
+        os.write(self._own, keys)
+
+    def finish(self):
+        """The exit status, and all that was shown."""
+        shown = b""
+        end = time.monotonic() + TIMEOUT_SECONDS
+        with contextlib.suppress(OSError):  # how Linux tells that nobody has the other end
+            while not self._is_complete(shown) and time.monotonic() < end:
+                if select.select([self._own], [], [], 1)[0]:
+                    shown += os.read(self._own, 4096)
+        status = self.process.wait(timeout=TIMEOUT_SECONDS)
+        os.close(self._own)
+        return status, self._text(shown)
+
+    def _is_complete(self, shown):
+        return self._text(shown).endswith(self._awaited + "\n")
+
+    @staticmethod
+    def _text(shown):
+        return re.sub(r"\r+\n", "\n", CONSOLE_HABITS.sub("", shown.decode("utf-8", "replace")))
 
 
 class Client:
@@ -49,11 +94,17 @@ class Client:
         # Wine reads names and arguments by the locale, which a build server may leave unset.
         return {**os.environ, "LC_ALL": "C.UTF-8", **self._environment}
 
-    def start(self, *arguments, stdout=subprocess.PIPE, stderr=subprocess.PIPE):
+    def start(self, *arguments):
         """Starts it; the caller waits for the process."""
         return subprocess.Popen([*self._command, *map(str, arguments)], stdin=subprocess.DEVNULL,
-                                stdout=stdout, stderr=stderr, text=True,
+                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
                                 env=self._all_variables())
+
+    def on_terminal(self, *arguments, awaited, **variables):
+        """Starts it on a terminal of its own, with these variables. What is awaited is the end of
+        the last line that it shows."""
+        return Terminal([*self._command, *map(str, arguments)], awaited,
+                        {**self._all_variables(), "TERM": "xterm", "NO_COLOR": "", **variables})
 
     def run(self, *arguments, stdin=None):
         """Runs it; the result has returncode, and stdout and stderr as text."""

@@ -2,9 +2,6 @@
 
 import contextlib
 import json
-import os
-import pty
-import signal
 import socket
 import threading
 
@@ -68,33 +65,25 @@ class QueueTest(CatcherTest):
         self.assertEqual(done.stderr.count("not sent: -1: Could not connect"), 3)
 
     def test_interruption_cancels_what_is_queued(self):
-        if self.client.windows:
-            self.skipTest("Wine has no way to press Ctrl-C")
         with silent_server() as (port, called):
-            process = self.client.start("--server", f"127.0.0.1:{port}", *SIMPLE_ARGUMENTS,
-                                        "--async", "--count", 2000, "--timeout", 3600)
-            self.assertTrue(called.wait(20))
-            process.send_signal(signal.SIGINT)
-            _, errors = process.communicate(timeout=60)
-        self.assertEqual(process.returncode, 1)
-        self.assertEqual(errors, "quorvane-send: interrupted. 0 of 2000 messages sent.\n")
+            terminal = self.client.on_terminal(
+                "--server", f"127.0.0.1:{port}", *SIMPLE_ARGUMENTS, "--async", "--count", 2000,
+                "--timeout", 3600, awaited="interrupted. 0 of 2000 messages sent.")
+            self.assertTrue(called.wait(60))
+            terminal.type(b"\x03")
+            status, shown = terminal.finish()
+        self.assertEqual(status, 1, shown)
+        self.assertTrue(shown.endswith("\x1b[1;31mquorvane-send:\x1b[0m interrupted. 0 of 2000 "
+                                       "messages sent.\n"), shown)
 
     def test_terminal_shows_one_line_that_changes(self):
-        if self.client.windows:
-            self.skipTest("there are no terminals under Wine")
-        own, other = pty.openpty()
-        colourful = self.client.inside([], {"TERM": "xterm", "NO_COLOR": ""})
-        process = colourful.start("--server", f"127.0.0.1:{self.port}", *SIMPLE_ARGUMENTS,
-                                  "--async", "--count", 20, "--threads", 2, stdout=other)
-        os.close(other)
-        shown = b""
-        with contextlib.suppress(OSError), os.fdopen(own, "rb", buffering=0) as terminal:
-            while piece := terminal.read(4096):
-                shown += piece
-        self.assertEqual(process.communicate(timeout=60)[1], "")
-        self.assertEqual(process.returncode, 0)
-        *lines, summary = shown.decode().split("\r")[:-1]
-        self.assertEqual(summary.strip(), "\x1b[32m20 of 20 messages sent.\x1b[0m")
+        summary = "\x1b[32m20 of 20 messages sent.\x1b[0m"
+        status, shown = self.client.on_terminal(
+            "--server", f"127.0.0.1:{self.port}", *SIMPLE_ARGUMENTS, "--async", "--count", 20,
+            "--threads", 2, awaited=summary).finish()
+        self.assertEqual(status, 0, shown)
+        *lines, last = shown.split("\r")
+        self.assertEqual(last.strip(), summary)
         self.assertNotIn("\n", "".join(lines))
         progress = [line.strip() for line in lines if line.strip()]
         self.assertGreater(len(progress), 3)

@@ -1,6 +1,5 @@
 """quorvane-send as its users meet it: help, manual page, completion, hints, colours, progress."""
 
-import contextlib
 import json
 import os
 import pty
@@ -48,20 +47,9 @@ class TerminalTest(SendTest):
         """The names of all options."""
         return re.findall(r"^  (--[a-z-]+)", self.client.run("--help-all").stdout, re.MULTILINE)
 
-    def on_terminal(self, *arguments, **variables):
-        """The exit status, and what a terminal for both outputs got."""
-        if self.client.windows:
-            self.skipTest("there are no terminals under Wine")
-        own, other = pty.openpty()
-        environment = {"TERM": "xterm", "NO_COLOR": "", **variables}
-        process = self.client.inside([], environment).start(*arguments, stdout=other,
-                                                            stderr=other)
-        os.close(other)
-        shown = b""
-        with contextlib.suppress(OSError), os.fdopen(own, "rb", buffering=0) as terminal:
-            while piece := terminal.read(4096):
-                shown += piece
-        return process.wait(timeout=60), shown.decode().replace("\r\n", "\n")
+    def on_terminal(self, *arguments, awaited, **variables):
+        """The exit status, and what a terminal showed, in the end what is awaited."""
+        return self.client.on_terminal(*arguments, awaited=awaited, **variables).finish()
 
     # -- Help ----------------------------------------------------------------------------------
 
@@ -152,29 +140,36 @@ class TerminalTest(SendTest):
 
     def test_colours_only_where_they_are_wanted(self):
         failing = self.refused()
-        status, shown = self.on_terminal(*failing)
-        self.assertEqual(status, 1)
+        status, shown = self.on_terminal(*failing, awaited="Not sent.")
+        self.assertEqual(status, 1, shown)
         self.assertIn("\x1b[1;31mquorvane-send:\x1b[0m not sent", shown)
         self.assertIn("\x1b[36mhint:\x1b[0m", shown)
         self.assertNotIn("\x1b", self.client.run(*failing).stderr)
         for variables in ({"NO_COLOR": "1"}, {"TERM": "dumb"}):
             with self.subTest(variables=variables):
-                self.assertNotIn("\x1b", self.on_terminal(*failing, **variables)[1])
+                self.assertNotIn("\x1b", self.on_terminal(
+                    *failing, awaited="Not sent.", **variables)[1])
 
     # -- Progress and steps --------------------------------------------------------------------
 
     def test_large_mail_shows_a_bar_on_a_terminal(self):
         large = self.file("large.bin", bytes(range(256)) * 20000)
         sending = ["--server", f"127.0.0.1:{self.port}", *SIMPLE_ARGUMENTS, "--attach", large]
-        status, shown = self.on_terminal(*sending)
-        self.assertEqual(status, 0)
-        self.assertTrue(shown.endswith("\x1b[32mSent.\x1b[0m\n"), shown)
+        status, shown = self.on_terminal(*sending, awaited="\x1b[32mSent.\x1b[0m")
+        self.assertEqual(status, 0, shown)
         bars = [line.strip() for line in shown.split("\r") if "[" in line and "%" in line]
         self.assertGreater(len(bars), 0)
         for bar in bars:
             self.assertRegex(bar, r"\A\[#*\.*\] \d+ %, [\d.]+ of 7.0 MB(, \d+ s left)?\Z")
-        self.assertEqual(self.on_terminal(*sending, "--quiet"), (0, ""))
-        self.assertEqual(len(self.catcher.messages()), 2)
+        self.assertEqual(len(self.catcher.messages()), 1)
+
+    def test_quiet_keeps_a_terminal_quiet(self):
+        if self.client.windows:
+            self.skipTest("Wine's console never ends without a word")
+        large = self.file("large.bin", bytes(1_000_000))
+        self.assertEqual(self.on_terminal("--server", f"127.0.0.1:{self.port}", *SIMPLE_ARGUMENTS,
+                                          "--quiet", "--attach", large, awaited="-"), (0, ""))
+        self.assertEqual(len(self.catcher.messages()), 1)
 
     def test_steps_and_times(self):
         large = self.file("large.bin", bytes(3_000_000))

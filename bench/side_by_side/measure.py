@@ -7,6 +7,7 @@ from pathlib import Path
 import calls
 import document
 import growth
+import profile_rows
 from rows import FILE, named
 from turns import Bench
 
@@ -52,6 +53,15 @@ def count_calls(bench):
     return {"calls": table}
 
 
+def profile(bench):
+    """A table of it, as a section of the document."""
+    rows = named(["all"])
+    bench.prepare({row.workload for row in rows}, [FILE])
+    table = document.table(profile_rows.HEAD, profile_rows.rows(bench, rows))
+    print("\n" + table)
+    return {"profile": table}
+
+
 def arguments():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--programs", type=Path, required=True, help="folder of the programs")
@@ -59,6 +69,7 @@ def arguments():
     parser.add_argument("--check", action="store_true", help="compare the messages, no more")
     parser.add_argument("--growth", action="store_true", help="measure that too")
     parser.add_argument("--calls", action="store_true", help="count system calls too")
+    parser.add_argument("--profile", action="store_true", help="sample with perf too")
     parser.add_argument("--document", type=Path,
                         help="put the tables into this file, and the picture beside it")
     parser.add_argument("rows", nargs="*", help="those to measure")
@@ -81,6 +92,8 @@ def main():
             sections |= sections_of(bench, outcomes)
         if options.calls:
             sections |= count_calls(bench)
+        if options.profile:
+            sections |= profile(bench)
         if options.growth:
             picture = options.document and options.document.parent / "growth.svg"
             sections |= measure_growth(bench, picture)

@@ -151,6 +151,13 @@ class Shell(Examples):
         self.assertEqual(envelope["to"], ["ann@example.org"])
         self.assertEqual(message.get_payload(), "Dinner at eight?\r\n")
 
+    def test_pipe(self):
+        with tempfile.TemporaryDirectory(prefix="quorvane-") as folder:
+            self.assertEqual(self.run_shell("pipe", self.catcher.port, folder), (0, ""))
+            self.assertIn('"code":0', (Path(folder) / "mail.log").read_text())
+        [(_, raw)] = self.catcher.messages()
+        self.assertIn("Mounted on", mime_check.parse(raw).get_payload())
+
     def test_newsletter(self):
         self.assert_newsletter(self.run_shell("newsletter", self.catcher.port))
 

@@ -1,4 +1,4 @@
-"""Measures how Quorvane's time and memory grow with a message, and draws it."""
+"""Measures how Quorvane's processor time and memory grow with a message, and draws it."""
 
 import statistics
 from dataclasses import dataclass
@@ -37,7 +37,7 @@ def sizes():
 @dataclass
 class Point:
     units: float
-    seconds: float  # of one message
+    seconds: float  # of processor time for one message
     bytes: float  # by which the peak of the process's memory grows
 
 
@@ -53,7 +53,7 @@ class Curve:
         first = self.points[0]
         return [(point.units, (getattr(point, attribute) - getattr(first, attribute)) /
                  (point.units - first.units))
-                for point in self.points if point.units >= 10 * first.units]
+                for point in self.points if point.units >= 30 * first.units]
 
 
 def measure(bench, series, work):
@@ -67,9 +67,7 @@ def measure(bench, series, work):
                 count = 1
                 while contender.repeat(work, count)[0] < 0.05 and count < 1 << 16:
                     count *= 2
-                # What a user waits for when sending; else processor time.
-                which = 0 if work == "send" else 1
-                seconds = [contender.repeat(work, count)[which] / count for _ in range(ROUNDS)]
+                seconds = [contender.repeat(work, count)[1] / count for _ in range(ROUNDS)]
         points.append(Point(number / series.size, statistics.median(seconds), peak))
     return Curve(points)
 

@@ -43,7 +43,7 @@ void EventLog::Describe(const Options& options) {
 }
 
 void EventLog::Status(LONG number, MailStatus status) {
-    if (status >= MailStatusSent) ++ended_;
+    if (status >= MailStatusSent) ended_.insert(number);
     constexpr const char* kWords[] = {"is queued", "is being sent", "was sent", "was not sent",
                                       "was cancelled"};
     Say("message " + std::to_string(number) + " " + kWords[status]);

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <map>
+#include <set>
 #include <string>
 
 #include "cli/options.h"
@@ -19,8 +20,8 @@ public:
     void Status(LONG number, MailStatus status);
     // Of a long message; tells of each tenth.
     void Progress(LONG number, LONG sent, LONG total);
-    // Messages whose last status has been told.
-    int ended() const { return ended_; }
+    // Whether the last status of the message has been told.
+    bool HasEnded(LONG number) const { return ended_.contains(number); }
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -31,7 +32,7 @@ private:
     const bool wanted_;
     const Clock::time_point start_ = Clock::now();
     std::map<LONG, long long> tenths_;
-    int ended_ = 0;
+    std::set<LONG> ended_;
 };
 
 }  // namespace quorvane::cli

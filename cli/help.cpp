@@ -67,7 +67,7 @@ std::string Help::make_option(const CLI::Option* option, bool) const {
 std::string Help::make_help(const CLI::App* app, std::string, CLI::AppFormatMode mode) const {
     std::string text(kUsage);
     if (mode == CLI::AppFormatMode::All) {
-        text += make_groups(app, mode);
+        text += CLI::detail::find_and_replace(make_groups(app, mode), "\n\n\n", "\n\n");
     } else {
         text = app->get_description() + "\n" + text + "\n";
         for (const char* name : kCommon) text += make_option(app->get_option(name), false);

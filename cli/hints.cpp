@@ -124,6 +124,7 @@ std::string HintForRefusal(std::string_view text) {
         {"Couldn't open attachment file",
          "check the name; it counts from the current folder, of a picture from that of the HTML "
          "file. --no-import leaves pictures out."},
+        {"Can't read the file", "check the name, and whether you may read it."},
         {"Cannot import malformed HTML file",
          "put each value behind src= in double quotes, or use --no-import."},
     };

@@ -108,19 +108,17 @@ public:
             if (progress_.ended() == progress_.count) break;
         }
         display_.Clear();
-        AwaitLastEvents();
         TellTheEnd();
         return progress_.sent == progress_.count ? kSent : kNotSent;
     }
 
 private:
-    // They are a moment behind what has happened, and may stay out when memory runs short.
-    void AwaitLastEvents() {
-        if (!options_.verbose) return;
-        lastEvent_ = Clock::now();
-        while (log_.ended() < accepted_ && Clock::now() - lastEvent_ < kSilence) {
-            client::TakeMessages(kGlance);
-        }
+    // Of a message that has ended. The log tells of it first; its events are a moment behind what
+    // has happened, and may stay out when memory runs short.
+    bool IsToBeTold(LONG number) {
+        if (!options_.verbose || log_.HasEnded(number)) return true;
+        const auto seen = seenEnded_.try_emplace(number, Clock::now()).first->second;
+        return Clock::now() - std::max(seen, lastEvent_) > kSilence;
     }
 
     void TakeInterrupt() {
@@ -134,7 +132,6 @@ private:
             ++queued_;
             try {
                 unfinished_.insert(mailer_.Queue(message_));
-                ++accepted_;
             } catch (const client::Error& error) {
                 // Refused at the first time, it would be at every other.
                 if (error.status() == E_INVALIDARG && queued_ == 1) throw UsageError(error.what());
@@ -146,7 +143,7 @@ private:
     void CollectEnded() {
         for (auto number = unfinished_.begin(); number != unfinished_.end();) {
             const MailStatus status = mailer_.Status(*number);
-            if (status < MailStatusSent) {
+            if (status < MailStatusSent || !IsToBeTold(*number)) {
                 ++number;
                 continue;
             }
@@ -210,10 +207,10 @@ private:
     const std::size_t queuedAhead_;
     Clock::time_point lastEvent_;
     int queued_ = 0;
-    int accepted_ = 0;
     bool interrupted_ = false;
     std::set<LONG> unfinished_;
     std::map<LONG, Bytes> inFlight_;
+    std::map<LONG, Clock::time_point> seenEnded_;  // with --verbose
 };
 
 // Bytes of body and files, more or less.

@@ -133,6 +133,9 @@ class TerminalTest(SendTest):
         self.assertEqual(done.returncode, 1)
         self.assertEqual(done.stderr.count("connection refused.\n"), 3)
         self.assertEqual(done.stderr.count("    hint: is the port right ("), 1)
+        done = self.client.run(*self.refused(), "--verbose")
+        self.assertRegex(done.stderr, r"(?s)message 1 is being sent\n.*message 1 was not sent\n"
+                                      r"quorvane-send: not sent: -1: .*\n    hint: ")
         done = self.client.run("--server", "127.0.0.1:1", "--from", "a@example.org")
         self.assertEqual((done.returncode, done.stderr),
                          (2, "quorvane-send: Message must have at least one recipient\n"

@@ -36,7 +36,7 @@ __attribute__((target("avx2"))) void Encode24(const char* in, char* out) {
                         _mm256_add_epi8(values, _mm256_shuffle_epi8(offsets, range)));
 }
 
-char* AppendLastLine(const char* bytes, std::size_t size, char* out) {
+char* AppendLine(const char* bytes, std::size_t size, char* out) {
     for (; size > 0; bytes += 3, size -= size < 3 ? size : 3) {
         std::uint32_t group = 0;
         for (std::size_t i = 0; i < 3; ++i) {
@@ -70,17 +70,23 @@ char* AppendEncoded(unsigned char c, char* out) {
 }  // namespace
 
 char* AppendBase64(const char* bytes, std::size_t size, char* out) {
-    for (; size >= kLineBytes; bytes += kLineBytes, size -= kLineBytes) {
+    constexpr std::size_t kRead = 76;  // by the vectors of a line
+    for (; size >= kRead; bytes += kLineBytes, size -= kLineBytes) {
         Encode24(bytes, out);
         Encode24(bytes + 24, out + 32);
         Encode24(bytes + 48, out + 64);
         std::memcpy(out + 76, "\r\n", 2);
         out += 78;
     }
-    if (size == 0) return out;
-    out = AppendLastLine(bytes, size, out);
-    std::memcpy(out, "\r\n", 2);
-    return out + 2;
+    while (size > 0) {
+        const std::size_t line = std::min(size, kLineBytes);
+        out = AppendLine(bytes, line, out);
+        std::memcpy(out, "\r\n", 2);
+        out += 2;
+        bytes += line;
+        size -= line;
+    }
+    return out;
 }
 
 char* AppendQuotedPrintable(const char* text, std::size_t size, char* out) {

@@ -39,9 +39,9 @@ public:
         Ready(Header());
         MakeMixed();
         // Of the kernel's large pages, as far as it has them.
-        const std::size_t room = Room();
+        room_ = Room();
         out_ = static_cast<char*>(
-            mmap(nullptr, room, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+            mmap(nullptr, room_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
         madvise(out_, room_, MADV_HUGEPAGE);
     }
 

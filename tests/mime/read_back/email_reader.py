@@ -39,6 +39,7 @@ def describe_part(part):
         "id": str(part["Content-ID"] or "").strip("<>"),
         "text": text_of(part),
         "content": content_of(part).hex(),
+        "wire": "" if part.is_multipart() else part.get_payload(),
     }
 
 

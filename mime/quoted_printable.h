@@ -11,6 +11,8 @@ namespace quorvane {
 // ends in a blank. A CR, with or without a LF, ends a line; a LF elsewhere stays as it is. Lines
 // that begin with a dot get a second one (RFC 5321 section 4.5.2), which the 76 don't count.
 void EncodeQuotedPrintable(std::string_view text, std::string& out);
+// The same without vector instructions, for processors that have none.
+void EncodeQuotedPrintablePortable(std::string_view text, std::string& out);
 
 // Size of what EncodeQuotedPrintable appends, for text with ordinary lines; text with many bare
 // CRs or leading dots can take more.

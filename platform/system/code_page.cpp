@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <cstdint>
 #include <cstring>
 #include <type_traits>
 
@@ -11,6 +13,7 @@ namespace quorvane::platform {
 namespace {
 
 constexpr char16_t kReplacement = 0xFFFD;
+constexpr std::size_t kMostBytesInUtf8 = 3;  // of a UTF-16 unit
 
 // Where the code page Windows-1252 differs from ISO 8859-1: the bytes 80 to 9F. The five that the
 // code page doesn't define stand for themselves, as they do on Windows.
@@ -19,24 +22,35 @@ constexpr std::array<char16_t, 32> kWindows1252 = {
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
-constexpr std::size_t kBlock = 32;  // units; loops of a known length become vector instructions
+// Units that are looked at together; loops of this length become vector instructions.
+constexpr std::size_t kBlock = 8;
 
-// The length of the leading ASCII run, rounded down to whole blocks.
-template <class Unit>
-std::size_t AsciiBlocks(std::basic_string_view<Unit> text) {
-    std::size_t done = 0;
-    for (; text.size() - done >= kBlock; done += kBlock) {
-        std::make_unsigned_t<Unit> all = 0;
-        for (std::size_t i = 0; i < kBlock; ++i) all |= text[done + i];
-        if (all >= 0x80) break;
-    }
-    return done;
+// How many of the block's units are ASCII before the first one that isn't.
+std::size_t LeadingAscii(const char* block) {
+    static_assert(std::endian::native == std::endian::little);
+    std::uint64_t bytes;
+    std::memcpy(&bytes, block, sizeof(bytes));
+    const std::uint64_t others = bytes & 0x8080808080808080;
+    return static_cast<std::size_t>(std::countr_zero(others)) / 8;  // of zero: 64
+}
+
+std::size_t LeadingAscii(const char16_t* block) {
+    constexpr std::uint64_t kBeyondAscii = 0xFF80FF80FF80FF80;
+    std::uint64_t halves[2];
+    std::memcpy(halves, block, sizeof(halves));
+    const auto leading = [](std::uint64_t half) {
+        return static_cast<std::size_t>(std::countr_zero(half & kBeyondAscii)) / 16;
+    };
+    const std::size_t first = leading(halves[0]);
+    return first < 4 ? first : 4 + leading(halves[1]);
 }
 
 // Receives converted units: writes as many as there is room for, and counts them all.
-template <class Unit>
+template <class T>
 class Output {
 public:
+    using Unit = T;
+
     Output(Unit* data, std::size_t room) : data_(data), room_(room) {}
 
     void Put(Unit unit) {
@@ -44,19 +58,12 @@ public:
         ++count_;
     }
 
-    // `size` is a whole number of blocks.
+    // Puts `size` of the block's units.
     template <class Source>
-    void PutAscii(const Source* source, std::size_t size) {
-        for (std::size_t done = 0; done < size; done += kBlock) {
-            // By way of a block that overlaps nothing, which lets this be vector instructions too.
-            std::array<Unit, kBlock> block;
-            for (std::size_t i = 0; i < kBlock; ++i) block[i] = static_cast<Unit>(source[done + i]);
-            if (count_ < room_) {
-                const std::size_t fits = std::min(kBlock, room_ - count_);
-                std::memcpy(data_ + count_, block.data(), fits * sizeof(Unit));
-            }
-            count_ += kBlock;
-        }
+    void PutOfBlock(const Source* block, std::size_t size) {
+        const std::size_t fits = count_ < room_ ? std::min(size, room_ - count_) : 0;
+        for (std::size_t i = 0; i < fits; ++i) data_[count_ + i] = static_cast<Unit>(block[i]);
+        count_ += size;
     }
 
     std::size_t count() const { return count_; }
@@ -67,6 +74,34 @@ private:
     std::size_t count_ = 0;
 };
 
+// The same with room for whatever may come. Prose with an umlaut in each line takes 0.4 ns a unit
+// instead of 0.9.
+template <class T>
+class RoomyOutput {
+public:
+    using Unit = T;
+
+    explicit RoomyOutput(Unit* data) : data_(data), next_(data) {}
+
+    void Put(Unit unit) { *next_++ = unit; }
+
+    // There is room for the others too, since the text goes on.
+    template <class Source>
+    void PutOfBlock(const Source* block, std::size_t size) {
+        // By way of units that overlap nothing, which lets this be vector instructions.
+        std::array<Unit, kBlock> units;
+        for (std::size_t i = 0; i < kBlock; ++i) units[i] = static_cast<Unit>(block[i]);
+        std::memcpy(next_, units.data(), sizeof(units));
+        next_ += size;
+    }
+
+    std::size_t count() const { return static_cast<std::size_t>(next_ - data_); }
+
+private:
+    Unit* data_;
+    Unit* next_;
+};
+
 constexpr bool IsHighSurrogate(char16_t c) {
     return (c & 0xFC00) == 0xD800;
 }
@@ -74,7 +109,8 @@ constexpr bool IsLowSurrogate(char16_t c) {
     return (c & 0xFC00) == 0xDC00;
 }
 
-void PutUtf8(char32_t c, Output<char>& out) {
+template <class Out>
+void PutUtf8(char32_t c, Out& out) {
     if (c < 0x80) {
         out.Put(static_cast<char>(c));
         return;
@@ -87,29 +123,28 @@ void PutUtf8(char32_t c, Output<char>& out) {
     }
 }
 
-// Converts the text: ASCII as it is, whole blocks at a time where there are any; for the rest
-// `other` takes what stands at the front of the text and returns how many units that was.
+// Converts the text: ASCII as it is, by the block where there is one; for the rest `other` takes
+// what stands at the front of the text and returns how many units that was.
 template <class In, class Out, class Other>
-void Convert(std::basic_string_view<In> text, Output<Out>& out, Other other) {
+void Convert(std::basic_string_view<In> text, Out& out, Other other) {
+    using Unsigned = std::make_unsigned_t<In>;
     for (std::size_t i = 0; i < text.size();) {
-        if (const std::size_t run = AsciiBlocks(text.substr(i)); run != 0) {
-            out.PutAscii(text.data() + i, run);
-            i += run;
+        if (text.size() - i >= kBlock) {
+            const std::size_t ascii = std::min(LeadingAscii(text.data() + i), kBlock);
+            out.PutOfBlock(text.data() + i, ascii);
+            i += ascii;
+            if (ascii == kBlock) continue;
+        } else if (static_cast<Unsigned>(text[i]) < 0x80) {
+            out.Put(static_cast<typename Out::Unit>(text[i++]));
             continue;
         }
-        // A block with something else in it, or less than a block.
-        for (const std::size_t end = std::min(text.size(), i + kBlock); i < end;) {
-            if (static_cast<std::make_unsigned_t<In>>(text[i]) < 0x80) {
-                out.Put(static_cast<Out>(text[i++]));
-            } else {
-                i += other(text.substr(i));
-            }
-        }
+        i += other(text.substr(i));
     }
 }
 
 // True when every surrogate was one of a pair.
-bool EncodeUtf8(std::u16string_view text, Output<char>& out) {
+template <class Out>
+bool EncodeUtf8(std::u16string_view text, Out& out) {
     bool sound = true;
     Convert(text, out, [&](std::u16string_view rest) -> std::size_t {
         char32_t c = rest[0];
@@ -167,7 +202,8 @@ std::size_t DecodeUtf8(std::string_view bytes, char32_t& c) {
 }
 
 // True when all of it was well-formed.
-bool DecodeUtf8(std::string_view bytes, Output<char16_t>& out) {
+template <class Out>
+bool DecodeUtf8(std::string_view bytes, Out& out) {
     bool sound = true;
     Convert(bytes, out, [&](std::string_view rest) {
         char32_t c;
@@ -184,7 +220,8 @@ bool DecodeUtf8(std::string_view bytes, Output<char16_t>& out) {
     return sound;
 }
 
-void DecodeWindows1252(std::string_view bytes, Output<char16_t>& out) {
+template <class Out>
+void DecodeWindows1252(std::string_view bytes, Out& out) {
     Convert(bytes, out, [&](std::string_view rest) -> std::size_t {
         const auto c = static_cast<unsigned char>(rest[0]);
         out.Put(c < 0xA0 ? kWindows1252[c - 0x80] : char16_t{c});
@@ -204,7 +241,8 @@ bool Windows1252Byte(char16_t c, char& byte) {
 }
 
 // True when the default character stands for something.
-bool EncodeWindows1252(std::u16string_view text, char defaultChar, Output<char>& out) {
+template <class Out>
+bool EncodeWindows1252(std::u16string_view text, char defaultChar, Out& out) {
     bool usedDefault = false;
     Convert(text, out, [&](std::u16string_view rest) -> std::size_t {
         char byte;
@@ -216,6 +254,17 @@ bool EncodeWindows1252(std::u16string_view text, char defaultChar, Output<char>&
         return 1;
     });
     return usedDefault;
+}
+
+// Has `convert` write to memory with that much room, where it makes `most` units at most; returns
+// how many it made.
+template <class Unit, class Conversion>
+std::size_t ConvertInto(Unit* data, std::size_t room, std::size_t most, Conversion convert) {
+    const auto made = [&](auto out) {
+        convert(out);
+        return out.count();
+    };
+    return room >= most ? made(RoomyOutput<Unit>(data)) : made(Output<Unit>(data, room));
 }
 
 int Fail(DWORD error) {
@@ -274,16 +323,20 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWCH wide, int wideSize, L
     const DWORD allowed = utf8 ? WC_ERR_INVALID_CHARS : WC_NO_BEST_FIT_CHARS;
     if (flags & ~allowed) return Fail(ERROR_INVALID_FLAGS);
     const std::u16string_view text = Input(wide, wideSize);
-    Output<char> out(bytes, static_cast<std::size_t>(byteSize));
+    const auto room = static_cast<std::size_t>(byteSize);
+    bool sound = true, used = false;
+    std::size_t count = 0;
     if (utf8) {
-        if (!EncodeUtf8(text, out) && (flags & WC_ERR_INVALID_CHARS)) {
-            return Fail(ERROR_NO_UNICODE_TRANSLATION);
-        }
+        count = ConvertInto(bytes, room, kMostBytesInUtf8 * text.size(),
+                            [&](auto& out) { sound = EncodeUtf8(text, out); });
+        if (!sound && (flags & WC_ERR_INVALID_CHARS)) return Fail(ERROR_NO_UNICODE_TRANSLATION);
     } else {
-        const bool used = EncodeWindows1252(text, defaultChar ? *defaultChar : '?', out);
+        const char other = defaultChar ? *defaultChar : '?';
+        count = ConvertInto(bytes, room, text.size(),
+                            [&](auto& out) { used = EncodeWindows1252(text, other, out); });
         if (usedDefaultChar) *usedDefaultChar = used;
     }
-    return Finish(out.count(), byteSize);
+    return Finish(count, byteSize);
 }
 
 int MultiByteToWideChar(UINT codePage, DWORD flags, LPCCH bytes, int byteSize, LPWSTR wide,
@@ -298,13 +351,15 @@ int MultiByteToWideChar(UINT codePage, DWORD flags, LPCCH bytes, int byteSize, L
     const DWORD allowed = utf8 ? MB_ERR_INVALID_CHARS : MB_ERR_INVALID_CHARS | MB_PRECOMPOSED;
     if (flags & ~allowed) return Fail(ERROR_INVALID_FLAGS);
     const std::string_view text = Input(bytes, byteSize);
-    Output<char16_t> out(wide, static_cast<std::size_t>(wideSize));
-    if (utf8) {
-        if (!DecodeUtf8(text, out) && (flags & MB_ERR_INVALID_CHARS)) {
-            return Fail(ERROR_NO_UNICODE_TRANSLATION);
-        }
-    } else {
-        DecodeWindows1252(text, out);
-    }
-    return Finish(out.count(), wideSize);
+    bool sound = true;
+    const std::size_t count =
+        ConvertInto(wide, static_cast<std::size_t>(wideSize), text.size(), [&](auto& out) {
+            if (utf8) {
+                sound = DecodeUtf8(text, out);
+            } else {
+                DecodeWindows1252(text, out);
+            }
+        });
+    if (!sound && (flags & MB_ERR_INVALID_CHARS)) return Fail(ERROR_NO_UNICODE_TRANSLATION);
+    return Finish(count, wideSize);
 }

@@ -14,17 +14,21 @@ int ConversionLength(std::size_t size) {
     return static_cast<int>(size);
 }
 
+// Units that are looked at together; loops of this length become vector instructions.
+constexpr std::size_t kBlock = 8;
+
 // ASCII is the same in every code page that can be a thread's; most texts are nothing else.
 bool IsAscii(WideView text) {
-    return std::all_of(text.begin(), text.end(), [](WCHAR c) { return c < 0x80; });
+    unsigned all = 0;
+    for (; text.size() >= kBlock; text.remove_prefix(kBlock)) {
+        for (std::size_t i = 0; i < kBlock; ++i) all |= text[i];
+    }
+    for (const WCHAR c : text) all |= c;
+    return all < 0x80;
 }
 
-std::string Narrow(UINT codePage, WideView text) {
-    std::string out;
-    if (IsAscii(text)) {
-        AppendLowBytes(text, out);
-        return out;
-    }
+void AppendNarrow(UINT codePage, WideView text, std::string& out) {
+    if (IsAscii(text)) return AppendLowBytes(text, out);
     const int units = ConversionLength(text.size());
     // A character that only resembles one of the code page must not turn into it: what looks like
     // a letter of an address could become a bracket. UTF-8 as a code page doesn't know the flag.
@@ -36,8 +40,15 @@ std::string Narrow(UINT codePage, WideView text) {
         bytes =
             WideCharToMultiByte(codePage, flags, text.data(), units, nullptr, 0, nullptr, nullptr);
     }
-    out.resize(static_cast<std::size_t>(std::max(bytes, 0)));
-    WideCharToMultiByte(codePage, flags, text.data(), units, out.data(), bytes, nullptr, nullptr);
+    const std::size_t start = out.size();
+    out.resize(start + static_cast<std::size_t>(std::max(bytes, 0)));
+    WideCharToMultiByte(codePage, flags, text.data(), units, out.data() + start, bytes, nullptr,
+                        nullptr);
+}
+
+std::string Narrow(UINT codePage, WideView text) {
+    std::string out;
+    AppendNarrow(codePage, text, out);
     return out;
 }
 
@@ -76,6 +87,10 @@ bool EqualFolded(View a, View b) {
 
 }  // namespace
 
+void AppendAnsi(WideView text, std::string& out) {
+    AppendNarrow(CP_THREAD_ACP, text, out);
+}
+
 std::string ToAnsi(WideView text) {
     return Narrow(CP_THREAD_ACP, text);
 }
@@ -102,8 +117,12 @@ WideString WidenBytes(std::string_view bytes) {
 void AppendLowBytes(WideView text, std::string& out) {
     const std::size_t start = out.size();
     out.resize(start + text.size());
-    std::transform(text.begin(), text.end(), out.begin() + static_cast<std::ptrdiff_t>(start),
-                   [](WCHAR c) { return static_cast<char>(c & 0xFF); });
+    char* to = out.data() + start;
+    for (; text.size() >= kBlock; text.remove_prefix(kBlock)) {
+        for (std::size_t i = 0; i < kBlock; ++i) to[i] = static_cast<char>(text[i] & 0xFF);
+        to += kBlock;
+    }
+    for (const WCHAR c : text) *to++ = static_cast<char>(c & 0xFF);
 }
 
 std::string LowBytes(WideView text) {

@@ -16,6 +16,7 @@ using WideView = std::basic_string_view<WCHAR>;
 
 // Converts with the calling thread's ANSI code page. Characters that the code page can't
 // represent become its default character.
+void AppendAnsi(WideView text, std::string& out);
 std::string ToAnsi(WideView text);
 WideString FromAnsi(std::string_view bytes);
 

@@ -2,10 +2,12 @@
 // that passes is set and all other bits are clear.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 namespace quorvane {
 
@@ -37,6 +39,22 @@ constexpr EightBytes AtLeast(EightBytes bytes, unsigned char first) {
 constexpr EightBytes EqualTo(EightBytes bytes, char c) {
     const EightBytes difference = bytes ^ EightTimes(static_cast<unsigned char>(c));
     return ~AtLeast(difference, 1) & kHighBits;
+}
+
+// True when one of the text's bytes is lower than `limit`, from 1 to 0x80.
+inline bool HasBelow(std::string_view text, unsigned char limit) {
+    const auto anyOf = [limit](EightBytes bytes) {
+        return (~AtLeast(bytes, limit) & kHighBits) != 0;
+    };
+    if (text.size() < 8) {
+        return std::any_of(text.begin(), text.end(),
+                           [limit](char c) { return static_cast<unsigned char>(c) < limit; });
+    }
+    const char* const last = text.data() + text.size() - 8;
+    for (const char* from = text.data(); from < last; from += 8) {
+        if (anyOf(LoadEight(from))) return true;
+    }
+    return anyOf(LoadEight(last));
 }
 
 // How many bytes passed a test.

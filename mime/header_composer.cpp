@@ -1,7 +1,6 @@
 #include "mime/header_composer.h"
 
 #include <algorithm>
-#include <charconv>
 #include <concepts>
 #include <iterator>
 #include <string_view>
@@ -28,20 +27,14 @@ PriorityTexts PriorityOf(LONG code) {
     }
 }
 
-void AppendAddress(const COutgoingMessage& message, const CAddressEntry& entry, std::string& out) {
-    const WideView name = Trim(entry.name);
-    if (!name.empty()) {
-        out += EncodeHeaderText(message, name, true);
-        out += ' ';
+void AppendMessageId(const COutgoingMessage& message, std::string& out) {
+    if (message.messageId.empty()) {
+        AppendGeneratedId(NextStamp(), message.sender.address, out);
+        return;
     }
     out += '<';
-    out += ToAnsi(entry.address);
+    AppendAnsi(message.messageId, out);
     out += '>';
-}
-
-std::string MessageIdOf(const COutgoingMessage& message) {
-    if (message.messageId.empty()) return GeneratedMessageId(NextStamp(), message.sender.address);
-    return '<' + ToAnsi(message.messageId) + '>';
 }
 
 // The header list while the fields are added to it.
@@ -53,17 +46,21 @@ public:
         if (IsMissing(name)) headers_.Append(name, value);
     }
 
-    // For values that cost something to make.
-    template <std::invocable MakeValue>
-    void AddUnlessPresent(std::string_view name, MakeValue makeValue) {
-        if (IsMissing(name)) headers_.Append(name, makeValue());
+    // For values that cost something to make, which the function appends to a string.
+    template <std::invocable<std::string&> WriteValue>
+    void AddUnlessPresent(std::string_view name, WriteValue writeValue) {
+        if (IsMissing(name)) headers_.Append(name, writeValue);
     }
 
-    // An empty value only removes the field.
-    void Replace(std::string_view name, std::string_view value) {
+    template <std::invocable<std::string&> WriteValue>
+    void Replace(std::string_view name, WriteValue writeValue) {
+        Remove(name);
+        headers_.Append(name, writeValue);
+    }
+
+    void Remove(std::string_view name) {
         const std::size_t index = headers_.FindIgnoreCase(name);
         if (index != HeaderList::npos) headers_.Remove(index);
-        if (!value.empty()) headers_.Append(name, value);
     }
 
 private:
@@ -77,10 +74,13 @@ private:
 // Appends the number with as many digits at least.
 void AppendNumber(ULONG number, std::size_t digits, std::string& out) {
     char text[10];
-    const auto end = std::to_chars(std::begin(text), std::end(text), number).ptr;
-    const auto size = static_cast<std::size_t>(end - text);
-    if (size < digits) out.append(digits - size, '0');
-    out.append(text, size);
+    char* start = std::end(text);
+    while (number > 0 || digits > 0) {
+        *--start = static_cast<char>('0' + number % 10);
+        number /= 10;
+        if (digits > 0) --digits;
+    }
+    out.append(start, std::end(text));
 }
 
 // 0 is Sunday. Days since a Sunday, counted in years that begin in March.
@@ -100,69 +100,80 @@ void ComposeHeaders(COutgoingMessage& message) {
     fields.AddUnlessPresent("X-Priority", priority.number);
     fields.AddUnlessPresent("X-MSMail-Priority", priority.word);
     fields.AddUnlessPresent("Importance", priority.word);
-    fields.Replace("Message-ID", MessageIdOf(message));
-    fields.AddUnlessPresent("Date",
-                            [&] { return FormatDate(message.createdTime, message.utcOffset); });
-    fields.Replace("Subject", EncodeHeaderText(message, message.subject, false));
-    if (!message.cc.empty()) {
-        fields.AddUnlessPresent("Cc", [&] { return FormatAddressList(message, message.cc); });
+    fields.Replace("Message-ID", [&](std::string& out) { AppendMessageId(message, out); });
+    fields.AddUnlessPresent(
+        "Date", [&](std::string& out) { AppendDate(message.createdTime, message.utcOffset, out); });
+    if (message.subject.empty()) {
+        fields.Remove("Subject");
+    } else {
+        fields.Replace("Subject", [&](std::string& out) {
+            AppendHeaderText(message, message.subject, false, out);
+        });
     }
-    if (!message.to.empty()) {
-        fields.AddUnlessPresent("To", [&] { return FormatAddressList(message, message.to); });
-    }
+    const auto addresses = [&](const std::vector<CAddressEntry>& entries) {
+        return [&](std::string& out) { AppendAddressList(message, entries, out); };
+    };
+    const auto address = [&](const CAddressEntry& entry) {
+        return [&](std::string& out) { AppendAddress(message, entry, out); };
+    };
+    if (!message.cc.empty()) fields.AddUnlessPresent("Cc", addresses(message.cc));
+    if (!message.to.empty()) fields.AddUnlessPresent("To", addresses(message.to));
     if (!message.replyTo.address.empty()) {
-        fields.AddUnlessPresent("Reply-To",
-                                [&] { return FormatAddress(message, message.replyTo); });
+        fields.AddUnlessPresent("Reply-To", address(message.replyTo));
     }
-    fields.AddUnlessPresent("From", [&] { return FormatAddress(message, message.sender); });
+    fields.AddUnlessPresent("From", address(message.sender));
 }
 
-std::string FormatAddress(const COutgoingMessage& message, const CAddressEntry& entry) {
-    std::string text;
-    AppendAddress(message, entry, text);
-    return text;
+void AppendAddress(const COutgoingMessage& message, const CAddressEntry& entry, std::string& out) {
+    const WideView name = Trim(entry.name);
+    if (!name.empty()) {
+        AppendHeaderText(message, name, true, out);
+        out += ' ';
+    }
+    out += '<';
+    AppendAnsi(entry.address, out);
+    out += '>';
 }
 
-std::string FormatAddressList(const COutgoingMessage& message,
-                              const std::vector<CAddressEntry>& entries) {
-    std::string text;
+void AppendAddressList(const COutgoingMessage& message, const std::vector<CAddressEntry>& entries,
+                       std::string& out) {
+    bool isFirst = true;
     for (const CAddressEntry& entry : entries) {
-        if (!text.empty()) text += ",\r\n\t";
-        AppendAddress(message, entry, text);
+        if (!isFirst) out += ",\r\n\t";
+        AppendAddress(message, entry, out);
+        isFirst = false;
     }
-    return text;
 }
 
-std::string FormatDate(const SYSTEMTIME& local, LONG utcOffset) {
-    constexpr const char* kDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-    constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+void AppendDate(const SYSTEMTIME& local, LONG utcOffset, std::string& out) {
+    constexpr std::string_view kDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+    constexpr std::string_view kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                            "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     const int month = local.wMonth >= 1 && local.wMonth <= 12 ? local.wMonth : 1;
-    std::string date = kDays[DayOfWeek(local.wYear, month, std::max<int>(local.wDay, 1))];
-    date += ", ";
-    AppendNumber(local.wDay, 1, date);
-    date += ' ';
-    date += kMonths[month - 1];
-    date += ' ';
-    AppendNumber(local.wYear, 4, date);
-    date += ' ';
-    AppendNumber(local.wHour, 1, date);
-    date += ':';
-    AppendNumber(local.wMinute, 2, date);
-    date += ':';
-    AppendNumber(local.wSecond, 2, date);
-    date += utcOffset > 0 ? " +" : " -";
+    out += kDays[DayOfWeek(local.wYear, month, std::max<int>(local.wDay, 1))];
+    out += ", ";
+    AppendNumber(local.wDay, 1, out);
+    out += ' ';
+    out += kMonths[month - 1];
+    out += ' ';
+    AppendNumber(local.wYear, 4, out);
+    out += ' ';
+    AppendNumber(local.wHour, 1, out);
+    out += ':';
+    AppendNumber(local.wMinute, 2, out);
+    out += ':';
+    AppendNumber(local.wSecond, 2, out);
+    out += utcOffset > 0 ? " +" : " -";
     const auto offset = static_cast<ULONG>(utcOffset);
-    AppendNumber(utcOffset > 0 ? offset : 0 - offset, 4, date);
-    return date;
+    AppendNumber(utcOffset > 0 ? offset : 0 - offset, 4, out);
 }
 
-std::string GeneratedMessageId(const UniqueStamp& stamp, WideView senderAddress) {
-    std::string id = "<0";
-    AppendStamp(stamp, '.', id);
-    id += '.';
-    id += ToAnsi(senderAddress);
-    return id += '>';
+void AppendGeneratedId(const UniqueStamp& stamp, WideView senderAddress, std::string& out) {
+    out += "<0";
+    AppendStamp(stamp, '.', out);
+    out += '.';
+    AppendAnsi(senderAddress, out);
+    out += '>';
 }
 
 }  // namespace quorvane

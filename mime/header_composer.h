@@ -16,17 +16,17 @@ struct UniqueStamp;
 // out; out of memory for its text throws std::bad_alloc.
 void ComposeHeaders(COutgoingMessage& message);
 
-// One mailbox: the trimmed name as a phrase and a blank, when there is a name, and the address in
-// angle brackets, as it stands.
-std::string FormatAddress(const COutgoingMessage& message, const CAddressEntry& entry);
-// Several of them, each on a line of its own.
-std::string FormatAddressList(const COutgoingMessage& message,
-                              const std::vector<CAddressEntry>& entries);
+// Appends one mailbox: the trimmed name as a phrase and a blank, when there is a name, and the
+// address in angle brackets, as it stands.
+void AppendAddress(const COutgoingMessage& message, const CAddressEntry& entry, std::string& out);
+// Appends several of them, each on a line of its own.
+void AppendAddressList(const COutgoingMessage& message, const std::vector<CAddressEntry>& entries,
+                       std::string& out);
 
-// The creation time for the Date field: "Fri, 6 Nov 2026 9:05:03 +0100".
-std::string FormatDate(const SYSTEMTIME& local, LONG utcOffset);
+// Appends the creation time for the Date field: "Fri, 6 Nov 2026 9:05:03 +0100".
+void AppendDate(const SYSTEMTIME& local, LONG utcOffset, std::string& out);
 
-// The generated message identifier, brackets included.
-std::string GeneratedMessageId(const UniqueStamp& stamp, WideView senderAddress);
+// Appends the generated message identifier, brackets included.
+void AppendGeneratedId(const UniqueStamp& stamp, WideView senderAddress, std::string& out);
 
 }  // namespace quorvane

@@ -24,36 +24,36 @@ WideView HeaderCharset(const COutgoingMessage& message) {
     return charset;
 }
 
-std::string EncodedWord(WideView text, WideView charset) {
+void AppendEncodedWord(WideView text, WideView charset, std::string& out) {
     std::string bytes;
     AppendConverted(text, charset, bytes);
-    std::string word = "=?" + CharsetLabel(charset) + "?B?";
-    word.reserve(word.size() + Base64Size(bytes.size()) + 2);
-    AppendBase64(BytesOf(bytes), word);
-    return word += "?=";
+    out += "=?";
+    out += CharsetLabel(charset);
+    out += "?B?";
+    AppendBase64(BytesOf(bytes), out);
+    out += "?=";
 }
 
-std::string QuotedString(WideView text) {
-    std::string quoted;
-    quoted.reserve(text.size() + 2);
-    quoted += '"';
+void AppendQuotedString(WideView text, std::string& out) {
+    out += '"';
     for (const WCHAR c : text) {
-        if (c == WCHAR('\\') || c == WCHAR('"')) quoted += '\\';
-        quoted += IsSpace(c) ? ' ' : static_cast<char>(c);
+        if (c == WCHAR('\\') || c == WCHAR('"')) out += '\\';
+        out += IsSpace(c) ? ' ' : static_cast<char>(c);
     }
-    return quoted += '"';
+    out += '"';
 }
 
 }  // namespace
 
-std::string EncodeHeaderText(const COutgoingMessage& message, WideView text, bool isPhrase) {
+void AppendHeaderText(const COutgoingMessage& message, WideView text, bool isPhrase,
+                      std::string& out) {
     if (std::any_of(text.begin(), text.end(), [](WCHAR c) { return c > kLastPlain; })) {
-        return EncodedWord(text, HeaderCharset(message));
+        AppendEncodedWord(text, HeaderCharset(message), out);
+    } else if (isPhrase && !std::all_of(text.begin(), text.end(), IsLetterOrDigit)) {
+        AppendQuotedString(text, out);
+    } else {
+        AppendLowBytes(text, out);
     }
-    if (isPhrase && !std::all_of(text.begin(), text.end(), IsLetterOrDigit)) {
-        return QuotedString(text);
-    }
-    return LowBytes(text);
 }
 
 }  // namespace quorvane

@@ -3,8 +3,15 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "mime/append_written.h"
+#include "mime/eight_bytes.h"
+
 namespace quorvane {
 namespace {
+
+constexpr std::string_view kSeparator = ": ";
+constexpr std::string_view kLineEnd = "\r\n";
+constexpr unsigned char kLowestPlain = '\r' + 1;  // above zero and the line breaks
 
 bool IsLineBreak(char c) {
     return c == '\r' || c == '\n';
@@ -56,20 +63,43 @@ void AppendFolded(std::string& out, std::string_view value) {
     }
 }
 
+// For names and values of every kind.
+void AppendCarefully(std::string& out, std::string_view name, std::string_view value) {
+    AppendName(out, name);
+    out += kSeparator;
+    if (IsFolded(value)) {
+        out += value;
+    } else {
+        AppendFolded(out, value);
+    }
+    out += kLineEnd;
+}
+
+char* Put(std::string_view text, char* to) {
+    return std::copy(text.begin(), text.end(), to);
+}
+
 }  // namespace
 
 void AppendHeaderLine(std::string& out, std::string_view name,
                       std::initializer_list<std::string_view> value) {
-    AppendName(out, name);
-    out += ": ";
+    std::size_t valueSize = 0;
+    for (const std::string_view piece : value) valueSize += piece.size();
     const std::size_t start = out.size();
-    for (const std::string_view piece : value) out += piece;
-    if (!IsFolded(std::string_view(out).substr(start))) {
-        const std::string raw = out.substr(start);
+    const std::size_t size = name.size() + kSeparator.size() + valueSize + kLineEnd.size();
+    AppendWritten(out, size, [&](char* to) {
+        to = Put(kSeparator, Put(name, to));
+        for (const std::string_view piece : value) to = Put(piece, to);
+        Put(kLineEnd, to);
+    });
+    // Most lines go out as they are. One look at all of a line, by eight bytes, tells which do.
+    std::string_view line = std::string_view(out).substr(start);
+    line.remove_suffix(kLineEnd.size());
+    if (line.starts_with('.') || StartsBlank(line) || HasBelow(line, kLowestPlain)) {
+        const std::string raw(line.substr(name.size() + kSeparator.size()));
         out.resize(start);
-        AppendFolded(out, raw);
+        AppendCarefully(out, name, raw);
     }
-    out += "\r\n";
 }
 
 }  // namespace quorvane

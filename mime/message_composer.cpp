@@ -128,7 +128,8 @@ private:
     std::size_t SizeEstimate() const {
         constexpr std::size_t kFixedTexts = 512;  // of a part: field names, boundaries, line ends
         std::size_t size = kFixedTexts;
-        for (const HeaderField& field : message_.headers.fields()) {
+        for (std::size_t i = 0; i < message_.headers.size(); ++i) {
+            const HeaderField field = message_.headers[i];
             size += field.name.size() + field.value.size() + 4;
         }
         for (const BodyContent& body : bodies_) {
@@ -141,9 +142,9 @@ private:
     }
 
     void WriteTopHeaders() {
-        const auto& fields = message_.headers.fields();
-        for (auto field = fields.rbegin(); field != fields.rend(); ++field) {
-            AppendHeaderLine(out_, field->name, {field->value});
+        for (std::size_t i = message_.headers.size(); i-- > 0;) {
+            const HeaderField field = message_.headers[i];
+            AppendHeaderLine(out_, field.name, {field.value});
         }
     }
 
@@ -222,7 +223,8 @@ private:
 
     void WriteAttachmentHeaders(const CAttachmentPart& part, LONG encoding) {
         const WideView shownName = part.name.empty() ? LastPathComponent(part.file) : part.name;
-        const std::string name = EncodeHeaderText(message_, shownName, true);
+        std::string name;
+        AppendHeaderText(message_, shownName, true, name);
         const WideString type = LookupContentType(part, shownName);
         if (IsTextType(type)) {
             AppendHeaderLine(

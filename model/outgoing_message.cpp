@@ -69,16 +69,18 @@ COutgoingMessage::COutgoingMessage() : utcOffset(LocalUtcOffset()) {
 void PrepareOutgoingMessage(const CMailMessage& source, COutgoingMessage& record) {
     const MessageContent& message = source.content();
     // All the room that is needed comes first: a message goes out whole or not at all.
-    record.headers.Reserve(message.headers.fields().size() + 1);
+    record.headers.Reserve(message.headers.size() + 1);
     record.bodyParts.reserve(2);
     record.to.reserve(message.to.size());
     record.cc.reserve(message.cc.size());
     record.bcc.reserve(message.bcc.size());
     record.attachments.reserve(message.attachments.size());
     if (message.readReceipt != VARIANT_FALSE && !message.sender.address.empty()) {
-        record.headers.Append("Disposition-Notification-To", ToAnsi(message.sender.address));
+        record.headers.Append("Disposition-Notification-To",
+                              [&](std::string& out) { AppendAnsi(message.sender.address, out); });
     }
-    for (const HeaderField& field : message.headers.fields()) {
+    for (std::size_t i = 0; i < message.headers.size(); ++i) {
+        const HeaderField field = message.headers[i];
         record.headers.Append(field.name, field.value);
     }
     if (!message.altBody.empty()) AppendOrDrop(record.bodyParts, AlternativePart(message));

@@ -12,6 +12,13 @@ namespace {
 
 using ::testing::ElementsAre;
 
+template <class Function, class... Arguments>
+std::string Appended(Function append, const Arguments&... arguments) {
+    std::string out;
+    append(arguments..., out);
+    return out;
+}
+
 TEST(HeaderText, PlainQuotedOrEncoded) {
     const WideString umlauts(60, WCHAR(0xFC));
     std::string umlautWord = "=?utf-8?B?";
@@ -62,7 +69,7 @@ TEST(HeaderText, PlainQuotedOrEncoded) {
         for (const WideString& charset : c.bodyCharsets) {
             record.bodyParts.push_back(TextBody({}, charset));
         }
-        EXPECT_EQ(EncodeHeaderText(record, c.text, c.isPhrase), c.result);
+        EXPECT_EQ(Appended(AppendHeaderText, record, c.text, c.isPhrase), c.result);
     }
 }
 
@@ -80,10 +87,10 @@ TEST(HeaderText, Addresses) {
         {{OLESTR("John"), OLESTR("")}, "John <>"},
         {{OLESTR(""), OLESTR("\u00E9@b")}, "<\xE9@b>"},
     };
-    for (const Case& c : cases) EXPECT_EQ(FormatAddress(record, c.entry), c.text);
-    EXPECT_EQ(FormatAddressList(record,
-                                {{{}, OLESTR("a")}, {OLESTR("N"), OLESTR("b")}, {{}, OLESTR("c")}}),
-              "<a>,\r\n\tN <b>,\r\n\t<c>");
+    for (const Case& c : cases) EXPECT_EQ(Appended(AppendAddress, record, c.entry), c.text);
+    const std::vector<CAddressEntry> three = {
+        {{}, OLESTR("a")}, {OLESTR("N"), OLESTR("b")}, {{}, OLESTR("c")}};
+    EXPECT_EQ(Appended(AppendAddressList, record, three), "<a>,\r\n\tN <b>,\r\n\t<c>");
 }
 
 TEST(HeaderComposer, Dates) {
@@ -99,11 +106,11 @@ TEST(HeaderComposer, Dates) {
         {{1999, 12, 0, 31, 1, 2, 3, 0}, 1345, "Fri, 31 Dec 1999 1:02:03 +1345"},
         {{2026, 8, 0, 9, 12, 0, 0, 0}, -30, "Sun, 9 Aug 2026 12:00:00 -0030"},
     };
-    for (const Case& c : cases) EXPECT_EQ(FormatDate(c.time, c.offset), c.text);
+    for (const Case& c : cases) EXPECT_EQ(Appended(AppendDate, c.time, c.offset), c.text);
 }
 
 TEST(HeaderComposer, GeneratedIdentifier) {
-    EXPECT_EQ(GeneratedMessageId({20010, 3600000}, OLESTR("a@b.example")),
+    EXPECT_EQ(Appended(AppendGeneratedId, UniqueStamp{20010, 3600000}, OLESTR("a@b.example")),
               "<000004E2A.0036EE80.a@b.example>");
     COutgoingMessage record = SampleRecord();
     record.messageId.clear();

@@ -123,10 +123,10 @@ TEST_F(Outgoing, ReadReceiptComesBeforeTheExtraHeaders) {
     message->AddHeader(Bstr(OLESTR("X-A")), Bstr(OLESTR("1")));
     message->AddHeader(Bstr(OLESTR("Disposition-Notification-To")), Bstr(OLESTR("own")));
     message->put_RequestReadReceipt(1);
-    EXPECT_EQ(Prepare().headers.fields().size(), 2u) << "no sender, no receipt";
+    EXPECT_EQ(Prepare().headers.size(), 2u) << "no sender, no receipt";
     message->put_Sender(Address(OLESTR("Jo <jo@x>")).Get());
     const COutgoingMessage record = Prepare();
-    const auto& fields = record.headers.fields();
+    const HeaderList& fields = record.headers;
     ASSERT_EQ(fields.size(), 3u);
     EXPECT_EQ(fields[0].name, "Disposition-Notification-To");
     EXPECT_EQ(fields[0].value, "jo@x");

@@ -6,6 +6,7 @@
 #include <limits>
 #include <new>
 
+#include "mime/append_written.h"
 #include "mime/base64_kernel.h"
 
 namespace quorvane {
@@ -157,23 +158,13 @@ bool CBase64::IsSkippedChar(BYTE c) const {
 }
 
 void AppendBase64(std::span<const BYTE> bytes, std::string& out) {
-    const std::size_t start = out.size();
-    out.resize(start + Base64Size(bytes.size()));
-    EncodeBase64(bytes.data(), bytes.size(), out.data() + start);
+    AppendWritten(out, Base64Size(bytes.size()),
+                  [bytes](char* to) { EncodeBase64(bytes.data(), bytes.size(), to); });
 }
 
 void AppendBase64Lines(std::span<const BYTE> bytes, std::string& out) {
-    // Lines are appended by the batch: a batch stays in the nearest cache between being cleared,
-    // which growing a string does, and being filled.
-    constexpr std::size_t kBatchBytes = 64 * kBase64LineBytes;
-    const Base64LineEncoder encode = ChooseBase64LineEncoder();
-    while (!bytes.empty()) {
-        const std::size_t size = std::min(bytes.size(), kBatchBytes);
-        const std::size_t start = out.size();
-        out.resize(start + Base64LinesSize(size));
-        encode(bytes.data(), size, out.data() + start);
-        bytes = bytes.subspan(size);
-    }
+    AppendWritten(out, Base64LinesSize(bytes.size()),
+                  [bytes](char* to) { FastestBase64LineEncoder()(bytes.data(), bytes.size(), to); });
 }
 
 }  // namespace quorvane

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string_view>
+#include <vector>
 
 namespace quorvane {
 
@@ -20,10 +21,10 @@ using Base64LineEncoder = void (*)(const BYTE* bytes, std::size_t size, char* ou
 
 void EncodeBase64LinesPortable(const BYTE* bytes, std::size_t size, char* out);
 
-// The same with 16-byte vectors; null on a processor without the instructions (SSSE3).
-Base64LineEncoder VectorBase64LineEncoder();
+// All that this processor can run, the fastest first: with 32-byte vectors (AVX2), with 16-byte
+// vectors (SSSE3), and the portable one.
+std::vector<Base64LineEncoder> Base64LineEncoders();
 
-// The fastest one that this processor can run.
-Base64LineEncoder ChooseBase64LineEncoder();
+Base64LineEncoder FastestBase64LineEncoder();
 
 }  // namespace quorvane

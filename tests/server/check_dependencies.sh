@@ -28,6 +28,10 @@ case $library in
         done
         grep -q 'Time/Date.*1970' <<<"$headers" && grep -qa 'Created by WIDL .* 1970$' "$library" ||
             complain "carries the time of its making"
+        # The stack isn't aligned for 32-byte vectors, which compilers put there all the same.
+        if objdump -d "$library" | grep -qE '%ymm.*\(%r[sb]p|\(%r[sb]p.*%ymm'; then
+            complain "keeps 32-byte vectors on the stack"
+        fi
         if grep -qaF "$PWD" "$library"; then complain "carries the name of a folder"; fi
         ;;
     *)

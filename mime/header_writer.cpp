@@ -83,23 +83,28 @@ char* Put(std::string_view text, char* to) {
 
 void AppendHeaderLine(std::string& out, std::string_view name,
                       std::initializer_list<std::string_view> value) {
+    // Most lines go out as they are. One look by eight bytes tells which do; at what has just been
+    // written it would have to wait for the memory.
+    const bool isPlainName =
+        !name.starts_with('.') && !StartsBlank(name) && !HasBelow(name, kLowestPlain);
+    bool isPlainValue = true;
     std::size_t valueSize = 0;
-    for (const std::string_view piece : value) valueSize += piece.size();
+    for (const std::string_view piece : value) {
+        valueSize += piece.size();
+        isPlainValue = isPlainValue && !HasBelow(piece, kLowestPlain);
+    }
     const std::size_t start = out.size();
-    const std::size_t size = name.size() + kSeparator.size() + valueSize + kLineEnd.size();
-    AppendWritten(out, size, [&](char* to) {
+    const std::size_t valueStart = start + name.size() + kSeparator.size();
+    AppendWritten(out, valueStart - start + valueSize + kLineEnd.size(), [&](char* to) {
         to = Put(kSeparator, Put(name, to));
         for (const std::string_view piece : value) to = Put(piece, to);
         Put(kLineEnd, to);
     });
-    // Most lines go out as they are. One look at all of a line, by eight bytes, tells which do.
-    std::string_view line = std::string_view(out).substr(start);
-    line.remove_suffix(kLineEnd.size());
-    if (line.starts_with('.') || StartsBlank(line) || HasBelow(line, kLowestPlain)) {
-        const std::string raw(line.substr(name.size() + kSeparator.size()));
-        out.resize(start);
-        AppendCarefully(out, name, raw);
-    }
+    const std::string_view written(out.data() + valueStart, valueSize);
+    if (isPlainName && (isPlainValue || IsFolded(written))) return;
+    const std::string raw(written);
+    out.resize(start);
+    AppendCarefully(out, name, raw);
 }
 
 }  // namespace quorvane

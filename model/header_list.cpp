@@ -43,10 +43,4 @@ void HeaderList::Remove(std::size_t index) {
     for (std::size_t i = index; i < size(); ++i) places_[i].start -= gone.size;
 }
 
-HeaderField HeaderList::operator[](std::size_t index) const {
-    const Place& place = places_[index];
-    const char* const name = texts_.data() + place.start;
-    return {{name, place.nameSize}, {name + place.nameSize, place.size - place.nameSize}};
-}
-
 }  // namespace quorvane

@@ -46,7 +46,11 @@ public:
     void Remove(std::size_t index);
 
     std::size_t size() const { return places_.size(); }
-    HeaderField operator[](std::size_t index) const;
+    HeaderField operator[](std::size_t index) const {
+        const Place& place = places_[index];
+        const char* const name = texts_.data() + place.start;
+        return {{name, place.nameSize}, {name + place.nameSize, place.size - place.nameSize}};
+    }
 
 private:
     struct Place {

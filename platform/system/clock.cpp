@@ -34,7 +34,7 @@ long OtherOffset(time_t now, const tm& current) {
 }
 
 // What OtherOffset gave a thread the last time. Each message asks, and looking through the year
-// takes up to 1.6 us, as long as composing a small message; asking here takes 0.05.
+// takes 1.5 us, as long as composing a small message; asking here takes 0.07.
 class KnownOtherOffset {
 public:
     long Get(time_t now, const tm& current) {

@@ -67,6 +67,10 @@ int LineChannel::Send(std::string_view command, Milliseconds limit) {
             return -1;
         }
     }
+    // The system has taken a command of one piece, with nothing before it, so it has room for more.
+    if (command.size() <= kPieceSize) {
+        return 0;
+    }
     // The time for the reply starts when the system has room for more, not while a long message
     // still waits in its buffers.
     switch (m_connection.WaitWritable(limit)) {

@@ -1,11 +1,11 @@
 #include "host_sockets.h"
 
 #include <arpa/inet.h>
-#include <fcntl.h>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -120,9 +120,8 @@ int Close(int descriptor) {
 }
 
 int SetBlocking(int descriptor, bool blocking) {
-    const int flags = fcntl(descriptor, F_GETFL);
-    if (flags < 0) return -errno;
-    return Answer(fcntl(descriptor, F_SETFL, blocking ? flags & ~O_NONBLOCK : flags | O_NONBLOCK));
+    int nonBlocking = !blocking;
+    return Answer(ioctl(descriptor, FIONBIO, &nonBlocking));
 }
 
 int SetNoDelay(int descriptor, bool noDelay) {

@@ -71,17 +71,28 @@ private:
     HeaderList& headers_;
 };
 
-// Appends the number with as many digits at least.
-void AppendNumber(ULONG number, std::size_t digits, std::string& out) {
-    char text[10];
-    char* start = std::end(text);
-    while (number > 0 || digits > 0) {
-        *--start = static_cast<char>('0' + number % 10);
-        number /= 10;
-        if (digits > 0) --digits;
+// A short text that is put together from its end to its start, where numbers are made that way.
+class ShortText {
+public:
+    void Put(std::string_view text) {
+        start_ -= text.size();
+        std::copy(text.begin(), text.end(), start_);
     }
-    out.append(start, std::end(text));
-}
+
+    // With as many digits at least.
+    void PutNumber(ULONG number, int digits) {
+        for (; number > 0 || digits > 0; --digits) {
+            *--start_ = static_cast<char>('0' + number % 10);
+            number /= 10;
+        }
+    }
+
+    std::string_view text() const { return {start_, std::end(bytes_)}; }
+
+private:
+    char bytes_[64];
+    char* start_ = std::end(bytes_);
+};
 
 // 0 is Sunday. Days since a Sunday, counted in years that begin in March.
 int DayOfWeek(int year, int month, int day) {
@@ -150,22 +161,24 @@ void AppendDate(const SYSTEMTIME& local, LONG utcOffset, std::string& out) {
     constexpr std::string_view kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                             "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     const int month = local.wMonth >= 1 && local.wMonth <= 12 ? local.wMonth : 1;
-    out += kDays[DayOfWeek(local.wYear, month, std::max<int>(local.wDay, 1))];
-    out += ", ";
-    AppendNumber(local.wDay, 1, out);
-    out += ' ';
-    out += kMonths[month - 1];
-    out += ' ';
-    AppendNumber(local.wYear, 4, out);
-    out += ' ';
-    AppendNumber(local.wHour, 1, out);
-    out += ':';
-    AppendNumber(local.wMinute, 2, out);
-    out += ':';
-    AppendNumber(local.wSecond, 2, out);
-    out += utcOffset > 0 ? " +" : " -";
     const auto offset = static_cast<ULONG>(utcOffset);
-    AppendNumber(utcOffset > 0 ? offset : 0 - offset, 4, out);
+    ShortText date;  // of 50 characters at most
+    date.PutNumber(utcOffset > 0 ? offset : 0 - offset, 4);
+    date.Put(utcOffset > 0 ? " +" : " -");
+    date.PutNumber(local.wSecond, 2);
+    date.Put(":");
+    date.PutNumber(local.wMinute, 2);
+    date.Put(":");
+    date.PutNumber(local.wHour, 1);
+    date.Put(" ");
+    date.PutNumber(local.wYear, 4);
+    date.Put(" ");
+    date.Put(kMonths[month - 1]);
+    date.Put(" ");
+    date.PutNumber(local.wDay, 1);
+    date.Put(", ");
+    date.Put(kDays[DayOfWeek(local.wYear, month, std::max<int>(local.wDay, 1))]);
+    out += date.text();
 }
 
 void AppendGeneratedId(const UniqueStamp& stamp, WideView senderAddress, std::string& out) {

@@ -50,7 +50,7 @@ bool StartModuleThread(std::function<void()> body) noexcept {
         if (!start->library) return false;
         const auto thread = _beginthreadex(nullptr, 0, Run, start.get(), 0, nullptr);
         if (thread == 0) return false;
-        start.release();
+        (void)start.release();  // the thread's from here
         CloseHandle(reinterpret_cast<HANDLE>(thread));
         return true;
     } catch (const std::bad_alloc&) {

@@ -30,7 +30,7 @@ private:
 }  // namespace
 
 std::shared_ptr<SendQueue> SendQueue::Start() {
-    const std::shared_ptr<SendQueue> queue(new SendQueue);
+    std::shared_ptr<SendQueue> queue(new SendQueue);
     if (!queue->StartWorker() || !queue->StartThread(&SendQueue::EventThread)) {
         queue->m_stopEvent->Send();
         throw std::runtime_error("a thread can't be started");
@@ -141,7 +141,7 @@ void SendQueue::PostEvent(EventKind kind, LONG messageNumber, LONG first, LONG s
 
 bool SendQueue::StartThread(void (SendQueue::*body)()) noexcept {
     m_stopEvent->ThreadStarts();
-    auto run = [queue = shared_from_this(), stop = m_stopEvent, body]() mutable {
+    auto run = [queue = weak_from_this().lock(), stop = m_stopEvent, body]() mutable {
         {
             const Apartment apartment;
             (queue.get()->*body)();

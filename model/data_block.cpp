@@ -9,7 +9,7 @@ DataBlock DataBlock::Copy(std::span<const BYTE> bytes) {
     if (bytes.empty()) return block;
     auto storage = std::make_shared_for_overwrite<BYTE[]>(bytes.size() + 1);
     std::memcpy(storage.get(), bytes.data(), bytes.size());
-    storage[bytes.size()] = 0;
+    storage.get()[bytes.size()] = 0;
     block.bytes_ = std::move(storage);
     block.size_ = bytes.size();
     return block;

@@ -63,7 +63,12 @@ def machine():
     with open("/proc/cpuinfo", encoding="ascii") as info:
         model = re.search(r"model name\s*: (.*)", info.read()).group(1)
     today = date.today()
-    return f"{today.day} {today:%B %Y}, {model}, {os.cpu_count()} cores."
+    load = os.getloadavg()[0]
+    busy = load > os.cpu_count() / 2
+    # What others do takes less from processor time than from the time that passes.
+    warning = f"; busy with other work (load {load:.0f}), so times of sending are uncertain"
+    return (f"{today.day} {today:%B %Y}, {model}, {os.cpu_count()} cores"
+            f"{warning if busy else ''}.")
 
 
 def insert(path, sections):

@@ -167,9 +167,11 @@ bool Run(const Options& options) {
     RunAll(cases, options.atATime, judge);
     const std::size_t after = OpenDescriptors();
     judge.Show();
-    if (after != before) fmt::print("{} descriptors open, {} before\n", after, before);
+    // A thread of the object that was released before may still have been on its way out.
+    const bool leaked = after > before;
+    if (leaked) fmt::print("{} descriptors open, {} before\n", after, before);
     if (!ModuleCanUnload()) fmt::print("something of the library is still in use\n");
-    return judge.satisfied() && after == before && ModuleCanUnload();
+    return judge.satisfied() && !leaked && ModuleCanUnload();
 }
 
 }  // namespace

@@ -62,7 +62,7 @@ std::string ImportPictures(const std::string& file, const std::string& html,
                          " has a name with characters beyond ASCII, which can't be imported. Give "
                          "it another name, or use --no-import.");
     }
-    const std::string body = WithMailLineEnds(text);
+    std::string body = WithMailLineEnds(text);
     for (const std::string& reference : ImportedReferences(html, body)) {
         RequireContent(PlaceOf(reference, file));
     }

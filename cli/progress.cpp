@@ -1,5 +1,6 @@
 #include "cli/progress.h"
 
+#include <cmath>
 #include <cstdio>
 #include <vector>
 
@@ -16,9 +17,9 @@ std::string WithOneDecimal(double value) {
 
 // "45 s", "3 min", "2 h": the last unit that is worth telling.
 std::string Duration(double seconds) {
-    if (seconds < 100) return std::to_string(static_cast<int>(seconds + 0.5)) + " s";
-    if (seconds < 100 * 60) return std::to_string(static_cast<int>(seconds / 60 + 0.5)) + " min";
-    return std::to_string(static_cast<long long>(seconds / 3600 + 0.5)) + " h";
+    if (seconds < 100) return std::to_string(std::lround(seconds)) + " s";
+    if (seconds < 100 * 60) return std::to_string(std::lround(seconds / 60)) + " min";
+    return std::to_string(std::lround(seconds / 3600)) + " h";
 }
 
 std::string SingleLine(const Progress& progress) {

@@ -148,7 +148,7 @@ LSTATUS RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD, LPDWORD type, LPBYTE d
         *size = bytes;
         if (!data) return ERROR_SUCCESS;
         if (!fits) return ERROR_MORE_DATA;
-        std::memcpy(data, value.data.data(), bytes);
+        std::copy_n(reinterpret_cast<const BYTE*>(value.data.data()), bytes, data);
         return ERROR_SUCCESS;
     });
 }

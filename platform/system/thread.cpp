@@ -90,7 +90,7 @@ uintptr_t _beginthreadex(void*, unsigned, unsigned(WINAPI* run)(void*), void* ar
         errno = error;
         return 0;
     }
-    start.release();  // the thread's own
+    (void)start.release();  // the thread's own
     return reinterpret_cast<uintptr_t>(quorvane::platform::kThreadHandle);
 }
 

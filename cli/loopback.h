@@ -1,4 +1,4 @@
-// One connection from this process to itself; one source file per system implements it.
+// One connection from this process to itself.
 #pragma once
 
 #include <memory>

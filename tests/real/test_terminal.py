@@ -8,13 +8,11 @@ import select
 import shutil
 import socket
 import subprocess
-import tempfile
 import time
 
 import mime_check
-from case import SAMPLE_ARGUMENTS, SIMPLE_ARGUMENTS, SendTest
+from case import SAMPLE_ARGUMENTS, SIMPLE_ARGUMENTS, CatcherTest
 from client import ROOT
-from mail_catcher import Catcher
 
 MANUAL_PAGE = ROOT / "cli" / "quorvane-send.1"
 COMPLETION = ROOT / "cli" / "completion"
@@ -34,15 +32,7 @@ def read_until(terminal, awaited):
     return read
 
 
-class TerminalTest(SendTest):
-    @classmethod
-    def setUpClass(cls):
-        folder = tempfile.TemporaryDirectory(prefix="quorvane-catcher-")
-        cls.addClassCleanup(folder.cleanup)
-        cls.catcher = Catcher(folder.name)
-        cls.addClassCleanup(cls.catcher.stop)
-        cls.port = cls.catcher.port
-
+class TerminalTest(CatcherTest):
     def options(self):
         """The names of all options."""
         return re.findall(r"^  (--[a-z-]+)", self.client.run("--help-all").stdout, re.MULTILINE)

@@ -1,8 +1,8 @@
-#include <winsock2.h>
+#include "cli/loopback.h"
 
 #include <stdexcept>
 
-#include "cli/loopback.h"
+#include "system_sockets.h"
 
 namespace quorvane::cli {
 namespace {
@@ -19,17 +19,13 @@ bool HasNews(SOCKET socket) {
 }  // namespace
 
 struct Loopback::Sockets {
+    [[no_unique_address]] const SocketLibrary library{};
     SOCKET listener = INVALID_SOCKET;
     SOCKET connection = INVALID_SOCKET;
     int port = 0;
-    Sockets() {
-        WSADATA data;
-        WSAStartup(MAKEWORD(2, 2), &data);
-    }
     ~Sockets() {
         if (connection != INVALID_SOCKET) closesocket(connection);
         if (listener != INVALID_SOCKET) closesocket(listener);
-        WSACleanup();
     }
 };
 
@@ -38,7 +34,7 @@ Loopback::Loopback() : sockets_(std::make_unique<Sockets>()) {
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     auto* generic = reinterpret_cast<sockaddr*>(&address);
-    int size = sizeof address;
+    socklen_t size = sizeof address;
     const SOCKET listener = sockets_->listener = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
     if (listener == INVALID_SOCKET || bind(listener, generic, size) != 0 ||
         listen(listener, 1) != 0 || getsockname(listener, generic, &size) != 0) {
@@ -62,13 +58,13 @@ bool Loopback::Accept() {
 bool Loopback::Receive(std::string& bytes) {
     if (!HasNews(sockets_->connection)) return true;
     char piece[65536];
-    const int count = recv(sockets_->connection, piece, sizeof piece, 0);
+    const auto count = recv(sockets_->connection, piece, sizeof piece, 0);
     if (count > 0) bytes.append(piece, static_cast<std::size_t>(count));
     return count > 0;
 }
 
 void Loopback::Send(std::string_view bytes) {
-    send(sockets_->connection, bytes.data(), static_cast<int>(bytes.size()), 0);
+    send(sockets_->connection, bytes.data(), static_cast<int>(bytes.size()), kSendFlags);
 }
 
 }  // namespace quorvane::cli

@@ -1,17 +1,15 @@
 // The queue when there are no threads or no memory to be had. Exit status 0 when it says so in
 // words, and goes on once there is enough again.
 #include <oleauto.h>
-#include <sys/resource.h>
 
 #include <chrono>
 #include <cstdio>
-#include <fstream>
 #include <set>
 #include <string>
 #include <thread>
 
 #include "component/smtp_mail.h"
-#include "tests/component/shortage/allocation.h"
+#include "tests/component/shortage/failing.h"
 #include "tests/servers/linux/peer_process.h"
 #include "tests/support/objects.h"
 
@@ -49,26 +47,15 @@ std::string Outcome(ISmtpMail& mail, LONG number) {
     return std::to_string(code) + " " + ToUtf8(FromBstr(text.Get()));
 }
 
-// As long as it lives there is no room for the stack of another thread.
+// As long as it lives no thread can be made.
 class NoMoreThreads {
 public:
-    NoMoreThreads() {
-        getrlimit(RLIMIT_AS, &before_);
-        std::size_t pages = 0;
-        std::ifstream("/proc/self/statm") >> pages;
-        constexpr std::size_t kPage = 4096, kRoom = 2 << 20;
-        const rlimit limit{pages * kPage + kRoom, before_.rlim_max};
-        setrlimit(RLIMIT_AS, &limit);
-    }
-    ~NoMoreThreads() { setrlimit(RLIMIT_AS, &before_); }
+    NoMoreThreads() { FailThreads(true); }
+    ~NoMoreThreads() { FailThreads(false); }
     NoMoreThreads(const NoMoreThreads&) = delete;
     NoMoreThreads& operator=(const NoMoreThreads&) = delete;
-
-private:
-    rlimit before_{};
 };
 
-// The system keeps the stacks of threads that have ended, so this comes before any have.
 bool RunsOutOfThreads(int port) {
     bool good = true;
     ComPtr<ISmtpMail> mail;

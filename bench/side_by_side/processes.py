@@ -1,14 +1,18 @@
 """The processes of a measurement: the catcher, and contenders at work."""
 
+import os
 import subprocess
 from pathlib import Path
 
 
 class Program:
-    """A process that answers each line it is told with one line, and ends with its input."""
+    """A process that answers each line it is told with one line, and ends with its input. It may
+    have to stay on one processor."""
 
-    def __init__(self, command):
-        self.command = [str(word) for word in command]
+    def __init__(self, command, on_one_processor=False):
+        first = min(os.sched_getaffinity(0))
+        place = ["taskset", "--cpu-list", first] if on_one_processor else []
+        self.command = [str(word) for word in [*place, *command]]
         self.process = subprocess.Popen(self.command, stdin=subprocess.PIPE,
                                         stdout=subprocess.PIPE, text=True)
 
@@ -39,8 +43,9 @@ class Program:
 class Catcher(Program):
     """Each contender gets a port of its own, so that none waits for another's old connections."""
 
-    def __init__(self, programs, ports, folder=None):
-        super().__init__([programs / "bench_catcher", ports] + ([folder] if folder else []))
+    def __init__(self, programs, ports, folder=None, **place):
+        super().__init__([programs / "bench_catcher", ports] + ([folder] if folder else []),
+                         **place)
         self.ports = [int(port) for port in self.answer().split()]
 
     def count(self):
@@ -50,9 +55,9 @@ class Catcher(Program):
 class Contender(Program):
     """See contend.cpp."""
 
-    def __init__(self, command, workload, folder, port=0, senders=1):
+    def __init__(self, command, workload, folder, port=0, senders=1, **place):
         super().__init__([*command, "--workload", workload, "--folder", folder, "--port", port,
-                          "--senders", senders])
+                          "--senders", senders], **place)
 
     def repeat(self, work, count):
         """Seconds and processor seconds for so many messages."""

@@ -117,10 +117,12 @@ class Bench:
 
     def measure_speed(self, row):
         members = self.field(row.workload)
+        place = {"on_one_processor": row.on_one_processor}
         with contextlib.ExitStack() as stack:
-            catcher = stack.enter_context(Catcher(self.programs, len(members)))
+            catcher = stack.enter_context(Catcher(self.programs, len(members), **place))
             contenders = {entrant.name: stack.enter_context(
-                Contender(entrant.command(row.work), row.workload, self.folder, port, row.senders))
+                Contender(entrant.command(row.work), row.workload, self.folder, port, row.senders,
+                          **place))
                 for entrant, port in zip(members, catcher.ports)}
             turns = play(row, contenders, self.rounds)
             outcome = outcome_of(row, turns)

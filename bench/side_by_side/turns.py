@@ -13,7 +13,7 @@ from processes import Catcher, Contender
 from rows import FILE, Row
 
 # Long enough to drown the noise of clock and scheduler.
-SECONDS_OF_A_TURN = 0.1
+SECONDS_OF_A_TURN = 0.25
 
 
 @dataclass

@@ -23,6 +23,13 @@ bool IsLineEncoding(LONG encoding) {
            encoding == EncodingQuotedPrintable;
 }
 
+// Units that take three bytes in UTF-8, in at most 65,535 of them.
+std::uint16_t CountThreeBytes(WideView block) {
+    std::uint16_t count = 0;
+    for (const WCHAR c : block) count += c >= 0x800;
+    return count;
+}
+
 // Size of the text when it is converted and encoded. In UTF-8, units from 0x80 on take two bytes
 // and those from 0x800 on three; in quoted-printable each of these bytes is an escape of three, and
 // so are some characters of ASCII.
@@ -32,14 +39,16 @@ std::size_t TextSizeEstimate(WideView text, bool isUtf8, bool isQuotedPrintable)
     while (!text.empty()) {
         // Counters as wide as the units, for a block that they can count, let the compiler use
         // vectors.
-        const WideView block = text.substr(0, 1 << 15);
-        std::uint16_t beyondAscii = 0, threeBytes = 0, escaped = 0;
+        const WideView block = text.substr(0, 1 << 14);
+        std::uint16_t ascii = 0, escaped = 0, anyBits = 0;
         for (const WCHAR c : block) {
-            beyondAscii += c >= 0x80;
-            threeBytes += c >= 0x800;
+            anyBits |= c;
+            ascii += c < 0x80;
             escaped += c < 0x20;
             escaped += c == WCHAR('=');
         }
+        const std::size_t beyondAscii = block.size() - ascii;
+        const std::size_t threeBytes = anyBits < 0x800 ? 0 : CountThreeBytes(block);
         const std::size_t more = isUtf8 ? beyondAscii + threeBytes : 0;
         bytes += more;
         escapes += escaped + beyondAscii + more;

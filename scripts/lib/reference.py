@@ -140,11 +140,15 @@ class Reference:
         lines = []
         for function in member.functions:
             kinds = [kind for kind in ("propget", "propput") if kind in function.attributes]
-            parameters = ", ".join(
+            parameters = [
                 f"[{', '.join(parameter.flags)}] {parameter.type[0]}{'*' * parameter.type[1]} "
-                f"{parameter.name}" for parameter in function.parameters)
+                f"{parameter.name}" for parameter in function.parameters]
             prefix = f"[{kinds[0]}] " if kinds else ""
-            lines.append(f"{prefix}{function.result[0]} {member.name}({parameters});")
+            line = f"{prefix}{function.result[0]} {member.name}({', '.join(parameters)});"
+            if len(line) > 100:
+                indent = line.index("(") + 1
+                line = line[:indent] + f",\n{' ' * indent}".join(parameters) + ");"
+            lines.append(line)
         return lines
 
     # Pages

@@ -17,8 +17,11 @@ static LRESULT CALLBACK Form(HWND window, UINT message, WPARAM first, LPARAM sec
 }
 
 static HWND Child(HWND form, const wchar_t* name, const wchar_t* text, DWORD style, RECT place) {
-    return CreateWindowExW(0, name, text, WS_CHILD | WS_VISIBLE | style, place.left, place.top,
-                           place.right, place.bottom, form, nullptr, nullptr, nullptr);
+    HWND child =
+        CreateWindowExW(0, name, text, WS_CHILD | WS_VISIBLE | style, place.left, place.top,
+                        place.right, place.bottom, form, nullptr, nullptr, nullptr);
+    SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), 0);
+    return child;
 }
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int) {

@@ -9,7 +9,8 @@ and every line of the block stands in that file, in this order, without gaps but
 line "...". Indentation as a whole doesn't count. What the file takes from its command line is a value
 in the documentation, as in STAND_INS. The examples themselves are run by other tests.
 
-The guide to errors has every text of the component. A path in backquotes is one of the repository.
+The guide to errors has every text of the component. A path in backquotes is one of the repository. What
+the pages of docs/ link to is installed with them.
 """
 
 import re
@@ -28,6 +29,8 @@ STAND_INS = {".vbs": {"WScript.Arguments(0)": '"mail.example.com"', "WScript.Arg
              ".sh": {'"$1"': "mail.example.com"}}
 PATH = re.compile(r"`((?:automation|bench|cli|cmake|component|docs|examples|fuzz|include|mime|model|"
                   r"packaging|platform|scripts|server|smtp|tests)/[\w./-]*)`")
+LINK = re.compile(r"\]\((?!https?:)([\w./-]+)")
+INSTALLED = {"docs", "examples", "SECURITY.md", "CHANGELOG.md"}
 BLOCK = re.compile(r"(?:^<!-- example: (\S+) -->\n)?^```(\w*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 
 
@@ -79,6 +82,15 @@ def missing_paths(page):
             yield f"{page.relative_to(ROOT)}: there is no {path}"
 
 
+def links_to_sources(page):
+    """Links that lead nowhere once the manual is installed, without the sources beside it."""
+    if page.is_relative_to(ROOT / "docs"):
+        for link in LINK.findall(BLOCK.sub("", page.read_text("utf-8"))):
+            target = (page.parent / link).resolve()
+            if not target.is_relative_to(ROOT) or target.relative_to(ROOT).parts[0] not in INSTALLED:
+                yield f"{page.relative_to(ROOT)}: {link} isn't installed with it"
+
+
 def told_texts():
     """The pieces of the component's texts that tell one from another."""
     for path in ("smtp/failure_text.cpp", "component/send_method.cpp", "component/smtp_mail_queue.cpp",
@@ -92,7 +104,8 @@ def told_texts():
 def main():
     pages = [ROOT / name for name in ("README.md", "SECURITY.md", "CONTRIBUTING.md")]
     pages += sorted((ROOT / "docs").rglob("*.md"))
-    faults = [fault for page in pages for find in (faults_of, missing_paths) for fault in find(page)]
+    faults = [fault for page in pages for find in (faults_of, missing_paths, links_to_sources)
+              for fault in find(page)]
     guide = " ".join((ROOT / "docs/guide/errors.md").read_text("utf-8").split())
     faults += [f"docs/guide/errors.md doesn't know {text!r} of {path}"
                for path, text in told_texts() if text not in guide]

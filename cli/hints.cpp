@@ -73,6 +73,9 @@ constexpr Rule kRules[] = {
      "the server dislikes the name of this computer: give one with a dot by --helo."},
     {500, 599, "hostname", When::kAlways,
      "the server dislikes the name of this computer: give one with a dot by --helo."},
+    {334, 334, "", When::kAlways,
+     "the server logs in by other words than \"Username:\" and \"Password:\", the only ones "
+     "that are answered. Try with --spa, or without it, or another server."},
     {552, 552, "", When::kAlways, "the mailbox is full, or the message too large for the server."},
     {400, 499, "", When::kAlways, kLater},
     {550, 551, "", When::kAlways, kRecipient},
@@ -118,18 +121,22 @@ std::string HintFor(const client::Outcome& outcome, const Options& options) {
 
 std::string HintForRefusal(std::string_view text) {
     constexpr struct {
-        std::string_view beginning, hint;
+        std::string_view beginning, end, hint;
     } kRefusals[] = {
-        {"Message must have at least one recipient", "add --to, --cc or --bcc with an address."},
-        {"Couldn't open attachment file",
+        {"Message must have at least one recipient", "",
+         "add --to, --cc or --bcc with an address."},
+        {"Couldn't open attachment file", "=",
+         "put each value behind src= in double quotes; single ones don't end it."},
+        {"Couldn't open attachment file", "",
          "check the name; it counts from the current folder, of a picture from that of the HTML "
          "file. --no-import leaves pictures out."},
-        {"Can't read the file", "check the name, and whether you may read it."},
-        {"Cannot import malformed HTML file",
+        {"Can't read the file", "", "check the name, and whether you may read it."},
+        {"Cannot import malformed HTML file", "",
          "put each value behind src= in double quotes, or use --no-import."},
     };
     for (const auto& refusal : kRefusals) {
-        if (text.starts_with(refusal.beginning)) return std::string(refusal.hint);
+        if (text.starts_with(refusal.beginning) && text.ends_with(refusal.end))
+            return std::string(refusal.hint);
     }
     return {};
 }

@@ -60,9 +60,29 @@ void SetType(std::string_view type, FileArgument& argument) {
         argument.charset = Unquote(Trim(type.substr(mark + 8)));
 }
 
+// Whether a comma or a semicolon outside of quotes stands between two at signs.
+bool HoldsSeveral(std::string_view text) {
+    bool quoted = false, address = false, separated = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c == '\\') ++i;
+        if (c == '"') quoted = !quoted;
+        if (quoted) continue;
+        if (c == '@' && separated) return true;
+        if (c == '@') address = true;
+        if (c == ',' || c == ';') separated = address;
+    }
+    return false;
+}
+
 }  // namespace
 
 Address ParseAddress(std::string_view text) {
+    if (HoldsSeveral(text)) {
+        throw UsageError("'" + std::string(text) +
+                         "' holds more than one address; give each an option of its own, as in "
+                         "--to ann@example.org --to bob@example.org.");
+    }
     const std::string_view whole = Trim(text);
     Address result{{}, std::string(whole)};
     const auto open = whole.rfind('<');
@@ -120,7 +140,8 @@ Header ParseHeader(std::string_view text) {
     }
     if (!IsAscii(text)) {
         throw UsageError("The header field " + std::string(name) +
-                         " holds characters beyond ASCII; write them as encoded words.");
+                         " holds characters beyond ASCII; write them as encoded words: "
+                         "=?utf-8?Q?Zo=C3=AB?= is Zoë.");
     }
     return {std::string(name), std::string(Trim(text.substr(colon + 1)))};
 }

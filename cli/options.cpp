@@ -6,6 +6,7 @@
 
 #include "cli/help.h"
 #include "cli/text_input.h"
+#include "cli/unknown_option.h"
 
 namespace quorvane::cli {
 
@@ -149,6 +150,17 @@ std::vector<std::string> SeparateValues(const CLI::App& app,
     return separated;
 }
 
+// What the parser's complaint comes from: an argument that is no option, when there is one.
+std::string Complaint(const CLI::App& app, const std::vector<std::string>& arguments,
+                      const CLI::ParseError& error) {
+    const std::vector<std::string> unknown = app.remaining();
+    const auto first = std::ranges::find_first_of(arguments, unknown);
+    if (first == arguments.end()) return error.what();
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options()) names.push_back(option->get_name());
+    return AboutUnknown(*first, names);
+}
+
 std::vector<Address> ParseAddresses(const std::vector<std::string>& texts) {
     std::vector<Address> addresses;
     std::ranges::transform(texts, std::back_inserter(addresses), ParseAddress);
@@ -251,10 +263,10 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
     DefineContent(app, options, raw);
     DefineSending(app, options);
 
-    std::vector<std::string> reversed = SeparateValues(app, arguments);
-    std::ranges::reverse(reversed);  // the parser takes them from the end
+    const std::vector<std::string> separated = SeparateValues(app, arguments);
+    std::vector<std::string> reversed(separated.rbegin(), separated.rend());
     try {
-        app.parse(reversed);
+        app.parse(reversed);  // takes them from the end
     } catch (const CLI::CallForHelp&) {
         options.information = app.help();
         return options;
@@ -265,7 +277,7 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
         options.information = app.version() + "\n";
         return options;
     } catch (const CLI::ParseError& error) {
-        throw UsageError(error.what());
+        throw UsageError(Complaint(app, separated, error));
     }
     Collect(raw, options);
     return options;

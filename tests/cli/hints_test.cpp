@@ -38,6 +38,7 @@ TEST(Hints, FitTheFailureAndWhatWasAsked) {
         {504, "504 5.5.2 <x>: Helo command rejected: need fully-qualified hostname", plain,
          "--helo"},
         {451, "451 4.7.1 Greylisted", plain, "try again"},
+        {334, "334 VXNlciBOYW1lAA==", both, "--spa"},
         {552, "552 5.3.4 too big", plain, "too large"},
         {-1, "Could not connect to mail server x, connection refused.", plain, "right (2525)"},
         {-1, "Could not connect to mail server x, connection attempt timed out.", plain, "587"},
@@ -58,6 +59,12 @@ TEST(Hints, FitTheFailureAndWhatWasAsked) {
         EXPECT_EQ(hint.empty(), *c.fragment == '\0') << c.text << ": " << hint;
         EXPECT_NE(hint.find(c.fragment), hint.npos) << c.text << ": " << hint;
     }
+}
+
+TEST(Hints, TellAMissingFileFromOneInSingleQuotes) {
+    const std::string file = "Couldn't open attachment file page\\o'clock.png";
+    EXPECT_NE(HintForRefusal(file).find("check the name"), std::string::npos);
+    EXPECT_NE(HintForRefusal(file + "' alt=").find("double quotes"), std::string::npos);
 }
 
 }  // namespace

@@ -23,6 +23,8 @@ TEST(OptionValues, Addresses) {
         {"Ann <at home> <a@b>", "Ann <at home>", "a@b"},
         {"Zoë<a@b>", "Zoë", "a@b"},
         {"\" <a@b>", "\"", "a@b"},
+        {"\"a@b, c\" <d@e>", "a@b, c", "d@e"},
+        {"Miller, Ann @ home <a@b>", "Miller, Ann @ home", "a@b"},
     };
     for (const auto& c : cases) {
         const Address address = ParseAddress(c.text);
@@ -30,7 +32,8 @@ TEST(OptionValues, Addresses) {
         EXPECT_EQ(address.address, c.address) << c.text;
     }
     for (const char* text : {"", "a", "a@", "@b", "Ann <a@b", "a@b>", "<>", "a b@c", "Ann a@b",
-                             "a@b <c>", "<a@ü>", "user@[10.0.0.1]", "Ann <[a]@b>"}) {
+                             "a@b <c>", "<a@ü>", "user@[10.0.0.1]", "Ann <[a]@b>", "a@b,c@d",
+                             "a@b;c@d", "Ann <a@b>, Bob <c@d>", "\"Ann\" <a@b>; \"Bob\" <c@d>"}) {
         EXPECT_THROW(ParseAddress(text), UsageError) << text;
     }
 }

@@ -126,6 +126,10 @@ class Programs(Examples):
         rows = self.files(message)["squares.csv"].decode().split("\r\n")
         self.assertEqual((len(rows), rows[100]), (102, "100,10000"))
 
+    def test_newsletter(self):
+        self.assert_newsletter(self.run_program("newsletter-example", EXAMPLES / "newsletter",
+                                                *self.server))
+
     def test_queue(self):
         self.assert_queued(self.run_program("queue-example", *self.server))
 

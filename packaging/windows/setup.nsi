@@ -78,7 +78,7 @@ Section "Quorvane"
     ${EndIf}
 
     CreateDirectory "$SMPROGRAMS\Quorvane"
-    CreateShortcut "$SMPROGRAMS\Quorvane\Manual.lnk" "$INSTDIR\docs\manual.md"
+    CreateShortcut "$SMPROGRAMS\Quorvane\Manual.lnk" "$INSTDIR\docs\manual.html"
     CreateShortcut "$SMPROGRAMS\Quorvane\Examples.lnk" "$INSTDIR\examples"
     CreateShortcut "$SMPROGRAMS\Quorvane\Uninstall.lnk" "$INSTDIR\uninstall.exe"
 

@@ -115,6 +115,18 @@ class Package(unittest.TestCase):
             finally:
                 catcher.stop()
 
+    def check_pages(self, folder):
+        """The texts are pages, whose links and pictures lead to files that come with them."""
+        self.assertEqual(list(folder.rglob("*.md")), [])
+        pages = list(folder.rglob("*.html"))
+        self.assertIn(folder / "docs" / "manual.html", pages)
+        links = [(page, link) for page in pages
+                 for link in re.findall(r'(?:href|src)="([^"#]+)', page.read_text("utf-8"))]
+        self.assertGreater(len(links), 100)
+        broken = [(page.name, link) for page, link in links
+                  if not re.match("[a-z]+:", link) and not (page.parent / link).exists()]
+        self.assertEqual(broken, [])
+
     def test_setup(self):
         before = registry(), files(self.drive)
         for _ in range(2):  # the second time is an update
@@ -125,6 +137,8 @@ class Package(unittest.TestCase):
         self.assertIn(PLACE.replace("\\", "\\\\"), uninstall[1])
         menu = list(self.drive.rglob("Start Menu/Programs/Quorvane/*.lnk"))
         self.assertEqual({path.stem for path in menu}, {"Manual", "Examples", "Uninstall"})
+        [manual] = [path for path in menu if path.stem == "Manual"]
+        self.assertIn(rb"\docs\manual.html", manual.read_bytes())
         self.assertEqual(self.send_from(installed), 5)
 
         # A file of the user's own is nobody's to remove.
@@ -148,6 +162,7 @@ class Package(unittest.TestCase):
             archive.extractall(portable)
         folder = portable / names[0].parts[0]
         installed = self.install(r"C:\Compared")
+        self.check_pages(folder)
         expected = {path for path in files(installed) if path != "uninstall.exe"} | {"README.txt"}
         self.assertEqual(files(folder), expected)
         wine(installed / "uninstall.exe", "/S", r"_?=C:\Compared")

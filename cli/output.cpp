@@ -34,7 +34,8 @@ std::string OutcomeAsText(const client::Outcome& outcome) {
             shown += control ? u'?' : unit;
         }
     }
-    return std::to_string(outcome.code) + ": " + client::ToUtf8(shown);
+    const std::string code = std::to_string(outcome.code), said = client::ToUtf8(shown);
+    return said.starts_with(code) ? said : code + ": " + said;
 }
 
 std::string CaughtAsText(const CaughtMessage& caught, bool forTerminal) {

@@ -15,9 +15,9 @@ std::string OutcomeAsJson(const client::Outcome& outcome, LONG number, MailStatu
 // The same for a message that was sent at once.
 std::string OutcomeAsJson(const client::Outcome& outcome);
 
-// The outcome of a message that was not sent, for a person: the code and the text. Line breaks of
-// the text are kept and its other control characters shown as '?', since the text may hold
-// whatever the server said.
+// The outcome of a message that was not sent, for a person: the code, unless the text is a reply
+// that begins with it, and the text. Line breaks of the text are kept and its other control
+// characters shown as '?', since the text may hold whatever the server said.
 std::string OutcomeAsText(const client::Outcome& outcome);
 
 // A message that was composed and not sent: the envelope as the commands that carry it, an empty

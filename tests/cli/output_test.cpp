@@ -21,9 +21,10 @@ TEST(Output, TextKeepsLinesAndNothingElseThatATerminalActsOn) {
     EXPECT_EQ(OutcomeAsText({550,
                              "550-no\r\n550 \x1B[2Jnever\x7F\t\xC2\x9B"
                              "1m ü"}),
-              "550: 550-no\n    550 ?[2Jnever???1m ü");
+              "550-no\n    550 ?[2Jnever???1m ü");
     EXPECT_EQ(OutcomeAsText({-1, "DNS server failure.\r\n"}), "-1: DNS server failure.");
     EXPECT_EQ(OutcomeAsText({-1, ""}), "-1: ");
+    EXPECT_EQ(OutcomeAsText({535, "Authentication failed"}), "535: Authentication failed");
 }
 
 TEST(Output, ProgressFitsALineAndSaysOnlyWhatIsKnown) {

@@ -20,7 +20,7 @@ ExitStatus PrintInsteadOfSending(const Options& options, const client::Message& 
     }
     const CaughtMessage caught = catcher.Finish();
     if (!outcome.sent()) {
-        FailureReport(options).Tell(outcome);
+        FailureReport(options).Tell(0, outcome);
         return kNotSent;
     }
     system::WriteOutput(options.json ? CaughtAsJson(caught) + "\n"

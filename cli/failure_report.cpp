@@ -13,10 +13,12 @@ std::string ErrorText(const std::string& sentence, const std::string& hint) {
     return text;
 }
 
-void FailureReport::Tell(const client::Outcome& outcome) {
+void FailureReport::Tell(LONG number, const client::Outcome& outcome) {
     std::string hint = HintFor(outcome, options_);
     if (!given_.insert(hint).second) hint.clear();
-    system::WriteError(ErrorText("not sent: " + OutcomeAsText(outcome), hint));
+    const bool told = options_.count > 1 && number != 0;
+    const std::string which = told ? "message " + std::to_string(number) + " " : "";
+    system::WriteError(ErrorText(which + "not sent: " + OutcomeAsText(outcome), hint));
 }
 
 }  // namespace quorvane::cli

@@ -16,7 +16,8 @@ std::string ErrorText(const std::string& sentence, const std::string& hint);
 class FailureReport {
 public:
     explicit FailureReport(const Options& options) : options_(options) {}
-    void Tell(const client::Outcome& outcome);
+    // The number of a message that has none is given as 0. A single message isn't told by its own.
+    void Tell(LONG number, const client::Outcome& outcome);
 
 private:
     const Options& options_;

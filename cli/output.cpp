@@ -73,4 +73,13 @@ std::string SummaryLine(int sent, int count) {
     return ForOutput(colour, Summary(sent, count)) + "\n";
 }
 
+std::string InterruptedSummary(const Progress& progress) {
+    const std::string text = "interrupted. ";
+    if (progress.count == 1) return text + Summary(progress.sent, progress.count);
+    const int cancelled = progress.count - progress.sent - progress.failed;
+    return text + std::to_string(progress.sent) + " of " + std::to_string(progress.count) +
+           " sent, " + std::to_string(progress.failed) + " failed, " + std::to_string(cancelled) +
+           " cancelled.";
+}
+
 }  // namespace quorvane::cli

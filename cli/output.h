@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "cli/catcher.h"
+#include "cli/progress.h"
 #include "quorvane.hpp"
 
 namespace quorvane::cli {
@@ -32,5 +33,7 @@ std::string CaughtAsJson(const CaughtMessage& caught);
 std::string Summary(int sent, int count);
 // The same as a line for standard output.
 std::string SummaryLine(int sent, int count);
+// The end of a run that Ctrl-C has cut short: what hadn't been tried counts as cancelled.
+std::string InterruptedSummary(const Progress& progress);
 
 }  // namespace quorvane::cli

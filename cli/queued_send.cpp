@@ -167,7 +167,7 @@ private:
         }
         if (status != MailStatusFailed) return;
         display_.Clear();
-        failures_.Tell(outcome);
+        failures_.Tell(number, outcome);
     }
 
     void ShowProgress() {
@@ -183,9 +183,8 @@ private:
     }
 
     void TellTheEnd() {
-        const std::string summary = Summary(progress_.sent, progress_.count);
         if (interrupted_) {
-            system::WriteError(ErrorText("interrupted. " + summary, {}));
+            system::WriteError(ErrorText(InterruptedSummary(progress_), {}));
         } else if (!options_.json && !options_.quiet) {
             system::WriteOutput(SummaryLine(progress_.sent, progress_.count));
         }

@@ -54,7 +54,7 @@ ExitStatus SendAll(const Options& options) {
         if (outcome.sent()) {
             ++sent;
         } else {
-            failures.Tell(outcome);
+            failures.Tell(i + 1, outcome);
         }
     }
     if (!options.json && !options.quiet) {

@@ -1,16 +1,26 @@
 # What `cmake --install` puts where. Nothing of it says where it was built or is installed, so that
 # the folder can be moved, and packages can be made of any finished build. The folders are texts: one
 # of the type PATH that comes from the command line would be taken as one of the build tree's.
+
+# What CMake chose for a test library, in build trees from before this file, doesn't count.
+function(choose folder place words)
+    get_property(was CACHE ${folder} PROPERTY HELPSTRING)
+    if(was MATCHES "\\)$")  # the text that GNUInstallDirs gives to a default
+        unset(${folder} CACHE)
+    endif()
+    set(${folder} ${place} CACHE STRING ${words})
+endfunction()
+
 if(WIN32)
     # One folder with everything, the library and the command at its top.
-    set(CMAKE_INSTALL_BINDIR . CACHE STRING "Programs")
-    set(CMAKE_INSTALL_DOCDIR . CACHE STRING "Texts")
+    choose(CMAKE_INSTALL_BINDIR . "Programs")
+    choose(CMAKE_INSTALL_DOCDIR . "Texts")
 elseif(CMAKE_LIBRARY_ARCHITECTURE AND EXISTS /etc/debian_version)
     # Below every prefix, where CMake would do so below /usr alone.
-    set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE} CACHE STRING "Libraries")
+    choose(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE} "Libraries")
 endif()
 string(TOLOWER ${PROJECT_NAME} package)
-set(CMAKE_INSTALL_DOCDIR share/doc/${package} CACHE STRING "Texts")
+choose(CMAKE_INSTALL_DOCDIR share/doc/${package} "Texts")
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 set(headers ${CMAKE_INSTALL_INCLUDEDIR}/${package})

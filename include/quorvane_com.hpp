@@ -9,6 +9,10 @@
 // properties end at the first one.
 #pragma once
 
+#ifndef __cpp_concepts
+#error "quorvane.hpp needs C++20: -std=c++20, or /std:c++20"
+#endif
+
 #include <windows.h>
 #include <objbase.h>
 #include <oleauto.h>

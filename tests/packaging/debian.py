@@ -141,6 +141,9 @@ class Installed(unittest.TestCase):
         self.machine.run("bash", "-c", f"g++ -std=c++20 {EXAMPLES}/simple.cpp -o /tmp/simple "
                                        "$(pkg-config --cflags --libs quorvane)")
         self.assert_sends("/tmp/simple", "127.0.0.1", self.catcher.port)
+        self.assertIn("needs C++20", self.machine.run(
+            "bash", "-c", f"g++ -std=c++17 -fsyntax-only {EXAMPLES}/simple.cpp "
+                          "$(pkg-config --cflags quorvane)", check=False))
 
     def test_dependencies(self):
         needed = {}

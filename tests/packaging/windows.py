@@ -90,15 +90,16 @@ class Package(unittest.TestCase):
         return self.drive.joinpath(*place.split("\\")[1:])
 
     def build_example(self, installed):
-        """A program that was built with what is installed, in its folder, where the library is."""
+        """A program that was built with what is installed, and runs where it was built."""
         build = self.output / "examples"
         for step in (["-G", "Ninja", "-S", installed / "examples", "-B", build,
-                      f"-DCMAKE_TOOLCHAIN_FILE={ROOT}/cmake/mingw-w64.cmake",
+                      "-DCMAKE_SYSTEM_NAME=Windows",
+                      "-DCMAKE_CXX_COMPILER=x86_64-w64-mingw32-g++-posix",
                       f"-DCMAKE_PREFIX_PATH={installed}"],
                      ["--build", build, "--target", "simple-example"]):
             subprocess.run(["cmake", *step], check=True, stdin=subprocess.DEVNULL,
                            stdout=subprocess.DEVNULL)
-        return shutil.copy(build / "simple-example.exe", installed)
+        return build / "simple-example.exe"
 
     def send_from(self, installed, *programs):
         with tempfile.TemporaryDirectory(prefix="quorvane-") as folder:

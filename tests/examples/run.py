@@ -144,9 +144,9 @@ class Programs(Examples):
 
 @unittest.skipIf(EMULATOR, "there is no shell")
 class Shell(Examples):
-    def run_shell(self, name, port, folder=None):
+    def run_shell(self, name, port, folder=None, *arguments):
         path = {**os.environ, "PATH": f"{BIN}:{os.environ['PATH']}"}
-        done = subprocess.run([EXAMPLES / f"{name}.sh", f"127.0.0.1:{port}"], env=path, cwd=folder,
+        done = subprocess.run([EXAMPLES / f"{name}.sh", f"127.0.0.1:{port}", *arguments], env=path, cwd=folder,
                               capture_output=True, text=True, timeout=TIMEOUT_SECONDS)
         return done.returncode, (done.stdout + done.stderr).strip()
 
@@ -161,6 +161,19 @@ class Shell(Examples):
             self.assertIn('"code":0', (Path(folder) / "mail.log").read_text())
         [(_, raw)] = self.catcher.messages()
         self.assertIn("Mounted on", mime_check.parse(raw).get_payload())
+
+    def test_each(self):
+        with tempfile.TemporaryDirectory(prefix="quorvane-") as folder:
+            readers, failed = Path(folder) / "readers", Path(folder) / "failed"
+            readers.write_text("ann@example.org\nno address\nbob@example.org")
+            status, said = self.run_shell("each", self.catcher.port, folder, readers)
+            self.assertEqual((status, failed.read_text()), (1, "no address\n"))
+            self.assertIn("'no address' is no address", said)
+            readers.write_text("bob@example.org\n")
+            self.assertEqual(self.run_shell("each", self.catcher.port, folder, readers), (0, ""))
+            self.assertEqual(failed.read_text(), "")
+        self.assertEqual([envelope["to"] for envelope, _ in self.catcher.messages()],
+                         [["ann@example.org"], ["bob@example.org"], ["bob@example.org"]])
 
     def test_newsletter(self):
         self.assert_newsletter(self.run_shell("newsletter", self.catcher.port))

@@ -164,7 +164,7 @@ class Shell(Examples):
 
     def test_each(self):
         with tempfile.TemporaryDirectory(prefix="quorvane-") as folder:
-            readers, failed = Path(folder) / "readers", Path(folder) / "failed"
+            readers, failed = Path(folder) / "readers", Path(folder) / "readers.failed"
             readers.write_text("ann@example.org\nno address\nbob@example.org")
             status, said = self.run_shell("each", self.catcher.port, folder, readers)
             self.assertEqual((status, failed.read_text()), (1, "no address\n"))

@@ -147,7 +147,7 @@ class CommandLineTest(CatcherTest):
         outcome = json.loads(done.stdout)
         self.assertEqual((outcome["status"], outcome["code"]), ("failed", -1))
         self.assertNotEqual(outcome["text"], "")
-        self.assertIn(f"not sent: {outcome['text']}", done.stderr)
+        self.assertIn(f"-1: {outcome['text']}", done.stderr)
 
     def test_line_breaks_never_start_a_command(self):
         for break_ in self.some(("\r\n", "\n", "\r"), 3):

@@ -151,14 +151,11 @@ std::vector<std::string> SeparateValues(const CLI::App& app,
 }
 
 // What the parser's complaint comes from: an argument that is no option, when there is one.
-std::string Complaint(const CLI::App& app, const std::vector<std::string>& arguments,
-                      const CLI::ParseError& error) {
-    const std::vector<std::string> unknown = app.remaining();
-    const auto first = std::ranges::find_first_of(arguments, unknown);
-    if (first == arguments.end()) return error.what();
+std::string Complaint(const CLI::App& app, const CLI::ParseError& error) {
+    if (app.remaining_size() == 0) return error.what();  // doesn't count a "--" alone
     std::vector<std::string> names;
     for (const CLI::Option* option : app.get_options()) names.push_back(option->get_name());
-    return AboutUnknown(*first, names);
+    return AboutUnknown(app.remaining().front(), names);
 }
 
 std::vector<Address> ParseAddresses(const std::vector<std::string>& texts) {
@@ -263,10 +260,10 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
     DefineContent(app, options, raw);
     DefineSending(app, options);
 
-    const std::vector<std::string> separated = SeparateValues(app, arguments);
-    std::vector<std::string> reversed(separated.rbegin(), separated.rend());
+    std::vector<std::string> reversed = SeparateValues(app, arguments);
+    std::ranges::reverse(reversed);  // the parser takes them from the end
     try {
-        app.parse(reversed);  // takes them from the end
+        app.parse(reversed);
     } catch (const CLI::CallForHelp&) {
         options.information = app.help();
         return options;
@@ -277,7 +274,7 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
         options.information = app.version() + "\n";
         return options;
     } catch (const CLI::ParseError& error) {
-        throw UsageError(Complaint(app, separated, error));
+        throw UsageError(Complaint(app, error));
     }
     Collect(raw, options);
     return options;

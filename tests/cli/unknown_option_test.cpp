@@ -26,6 +26,10 @@ TEST(UnknownOption, IsNamedWithTheOneThatWasMeant) {
         // Comes before what else is wrong.
         {{"--user", "zoe", "--password", "x"},
          "There is no option --password. Did you mean --password-file?"},
+        // However alike a value before it is.
+        {{"--text", "x", "--test", "x"}, "There is no option --test. Did you mean --text?"},
+        {{"--from", "a@b", "--", "--to", "a@b"}, "There is no option --."},
+        {{"--user", "zoe", "--"}, "--user requires --password-file"},
         {{"--subject", "my", "day"},
          "'day' belongs to no option. A value with blanks wants quotes around it."},
     };

@@ -73,6 +73,8 @@ constexpr Rule kRules[] = {
      "the server dislikes the name of this computer: give one with a dot by --helo."},
     {500, 599, "hostname", When::kAlways,
      "the server dislikes the name of this computer: give one with a dot by --helo."},
+    {334, 334, "ntlm challenge", When::kAlways,
+     "the server's NTLM is none that can be answered: try without --spa."},
     {334, 334, "", When::kAlways,
      "the server logs in by other words than \"Username:\" and \"Password:\", the only ones "
      "that are answered. Try with --spa, or without it, or another server."},

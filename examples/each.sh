@@ -3,6 +3,7 @@
 # failed are written into another, FILE.failed, which can be the list of the next attempt.
 #
 #     each.sh server[:port] file
+set -e
 : >"$2.failed"
 while read -r reader || [ -n "$reader" ]; do
     quorvane-send --server "$1" --from zoe@bjork.example --to "$reader" --quiet \

@@ -146,8 +146,8 @@ class Programs(Examples):
 class Shell(Examples):
     def run_shell(self, name, port, folder=None, *arguments):
         path = {**os.environ, "PATH": f"{BIN}:{os.environ['PATH']}"}
-        done = subprocess.run([EXAMPLES / f"{name}.sh", f"127.0.0.1:{port}", *arguments], env=path, cwd=folder,
-                              capture_output=True, text=True, timeout=TIMEOUT_SECONDS)
+        done = subprocess.run([EXAMPLES / f"{name}.sh", f"127.0.0.1:{port}", *arguments], env=path,
+                              cwd=folder, capture_output=True, text=True, timeout=TIMEOUT_SECONDS)
         return done.returncode, (done.stdout + done.stderr).strip()
 
     def test_simple(self):
@@ -172,6 +172,8 @@ class Shell(Examples):
             readers.write_text("bob@example.org\n")
             self.assertEqual(self.run_shell("each", self.catcher.port, folder, readers), (0, ""))
             self.assertEqual(failed.read_text(), "")
+            readers.unlink()
+            self.assertNotEqual(self.run_shell("each", self.catcher.port, folder, readers)[0], 0)
         self.assertEqual([envelope["to"] for envelope, _ in self.catcher.messages()],
                          [["ann@example.org"], ["bob@example.org"], ["bob@example.org"]])
 

@@ -16,7 +16,7 @@ std::string ErrorText(const std::string& sentence, const std::string& hint);
 class FailureReport {
 public:
     explicit FailureReport(const Options& options) : options_(options) {}
-    // The number of a message that has none is given as 0. A single message isn't told by its own.
+    // A message without a number has 0. The number is told where there is more than one message.
     void Tell(LONG number, const client::Outcome& outcome);
 
 private:

@@ -27,6 +27,13 @@ TEST(Output, TextKeepsLinesAndNothingElseThatATerminalActsOn) {
     EXPECT_EQ(OutcomeAsText({535, "Authentication failed"}), "535: Authentication failed");
 }
 
+TEST(Output, AnInterruptedRunCountsWhatWasNotTriedAsCancelled) {
+    using std::chrono::milliseconds;
+    EXPECT_EQ(InterruptedSummary({2000, 12, 3, 985, milliseconds(0), 0, 0}),
+              "interrupted. 12 of 2000 sent, 3 failed, 1985 cancelled.");
+    EXPECT_EQ(InterruptedSummary({1, 0, 0, 1, milliseconds(0), 0, 0}), "interrupted. Not sent.");
+}
+
 TEST(Output, ProgressFitsALineAndSaysOnlyWhatIsKnown) {
     using std::chrono::milliseconds;
     const struct {

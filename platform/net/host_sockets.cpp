@@ -5,7 +5,6 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -147,11 +146,6 @@ int ShutDown(int descriptor, bool receiving, bool sending) {
 int Close(int descriptor) {
     // Never again after EINTR: the descriptor is closed then.
     return close(descriptor) != 0 && errno == EBADF ? -EBADF : 0;
-}
-
-int SetBlocking(int descriptor, bool blocking) {
-    int nonBlocking = !blocking;
-    return Answer(ioctl(descriptor, FIONBIO, &nonBlocking));
 }
 
 int SetNoDelay(int descriptor, bool noDelay) {

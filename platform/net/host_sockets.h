@@ -63,7 +63,6 @@ long ReceiveAtOnce(int descriptor, char* buffer, std::size_t size, bool peek);
 long SendAtOnce(int descriptor, const char* data, std::size_t size);
 int ShutDown(int descriptor, bool receiving, bool sending);
 int Close(int descriptor);
-int SetBlocking(int descriptor, bool blocking);
 int SetNoDelay(int descriptor, bool noDelay);
 // Takes the socket's pending errno value.
 int TakeError(int descriptor, int& error);

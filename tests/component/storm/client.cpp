@@ -69,6 +69,10 @@ void Client::Run(int messages) {
     LetGo();
 }
 
+void Client::OutliveCalls(const std::function<bool()>& ended) {
+    if (!WaitFor(ended)) Fault("the library", "is still in use");
+}
+
 void Client::NewObject() {
     object_ = std::make_unique<Object>();
     ISmtpMail& mail = *object_->mail.Get();

@@ -1,6 +1,7 @@
 // One client of the storm: a thread with an SmtpMail object of its own.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <random>
@@ -32,6 +33,10 @@ public:
 
     // Queues that many messages in all, then waits until the last one has ended.
     void Run(int messages);
+    // Takes calls until the condition comes true: a worker may still be about to give back a
+    // listener that it got just before that was let go, and under Wine a call to an apartment that
+    // ends before it is answered is lost, with its caller waiting for ever.
+    void OutliveCalls(const std::function<bool()>& ended);
 
     const std::map<std::string, Fate>& fates() const { return fates_; }  // by sender
     // What went wrong, one sentence each.

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <thread>
@@ -28,10 +29,15 @@ struct Result {
 std::vector<Result> RunClients(const Options& options, int port) {
     std::vector<Result> results(static_cast<std::size_t>(options.clients));
     std::vector<std::thread> threads;
+    std::atomic<int> running = options.clients;
+    // Objects that were let go may still be sending.
+    const auto ended = [&] { return running == 0 && ModuleCanUnload(); };
     for (int number = 0; number < options.clients; ++number) {
         threads.emplace_back([&, number] {
             Client client(options.seed * 1000 + static_cast<unsigned>(number), number, port);
             client.Run(options.messages / options.clients);
+            --running;
+            client.OutliveCalls(ended);
             results[static_cast<std::size_t>(number)] = {client.fates(), client.faults()};
         });
     }
@@ -70,11 +76,6 @@ int Run(const Options& options) {
         fates.merge(result.fates);
         faults.insert(faults.end(), result.faults.begin(), result.faults.end());
     }
-    // Objects that were let go may still be sending.
-    for (int waited = 0; !ModuleCanUnload() && waited < 60000; ++waited) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    if (!ModuleCanUnload()) faults.push_back("something of the library is still in use");
     const auto arrived = peer.acceptedBySender();
     const std::vector<std::string> wrong = Judge(fates, arrived);
     faults.insert(faults.end(), wrong.begin(), wrong.end());

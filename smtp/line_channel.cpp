@@ -104,20 +104,9 @@ int LineChannel::AwaitReply(CommandView command, long long replyTimeout) {
     for (auto elapsed = Milliseconds{0}; elapsed < seconds(replyTimeout);
          elapsed = watch.elapsed()) {
         // Whole seconds, counted down as they pass: a reply that comes in parts has up to one more.
-        seconds limit(replyTimeout - elapsed / seconds(1));
-        if (m_secure.pending()) {
-            limit = seconds(0);
-        }
-        const SocketStatus status = m_connection.WaitReadable(limit);
-        if (status == SocketStatus::Failed) {
-            return FailSocket();
-        }
-        answered = status == SocketStatus::Done;
-        if (!answered && !m_secure.pending()) {
-            continue;
-        }
+        const seconds limit(replyTimeout - elapsed / seconds(1));
         std::size_t count = 0;
-        switch (Receive(answered, buffer.room(), count)) {
+        switch (ReceiveWithin(limit, buffer.room(), count)) {
             case Arrival::Bytes:
                 break;
             case Arrival::Closed:
@@ -151,6 +140,18 @@ int LineChannel::TakeReply(const ReplyBuffer& buffer, bool answered, CommandView
     return reply.code;
 }
 
+// Not a byte when the time passes without one.
+LineChannel::Arrival LineChannel::ReceiveWithin(Milliseconds limit, std::span<char> buffer,
+                                                std::size_t& count) {
+    count = 0;
+    if (!m_secure.active()) return ArrivalOf(m_connection.ReceiveWithin(limit, buffer, count));
+    const bool pending = m_secure.pending();
+    const SocketStatus status = m_connection.WaitReadable(pending ? Milliseconds{0} : limit);
+    if (status == SocketStatus::Failed) return ArrivalOf(status);
+    const bool readable = status == SocketStatus::Done;
+    return readable || pending ? Receive(readable, buffer, count) : Arrival::Bytes;
+}
+
 LineChannel::Arrival LineChannel::Receive(bool readable, std::span<char> buffer,
                                           std::size_t& count) {
     if (m_secure.active()) {
@@ -158,7 +159,11 @@ LineChannel::Arrival LineChannel::Receive(bool readable, std::span<char> buffer,
         count = decrypted > 0 ? static_cast<std::size_t>(decrypted) : 0;
         return decrypted < 0 ? Arrival::Failed : Arrival::Bytes;
     }
-    switch (m_connection.Receive(buffer, count)) {
+    return ArrivalOf(m_connection.Receive(buffer, count));
+}
+
+LineChannel::Arrival LineChannel::ArrivalOf(SocketStatus status) {
+    switch (status) {
         case SocketStatus::Closed:
             return Arrival::Closed;
         case SocketStatus::Failed:

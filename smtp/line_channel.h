@@ -55,7 +55,9 @@ private:
     int SendPiece(std::string_view piece, std::string_view command, Milliseconds limit);
     int AwaitReply(CommandView command, long long replyTimeout);
     int TakeReply(const ReplyBuffer& buffer, bool answered, CommandView command);
+    Arrival ReceiveWithin(Milliseconds limit, std::span<char> buffer, std::size_t& count);
     Arrival Receive(bool readable, std::span<char> buffer, std::size_t& count);
+    Arrival ArrivalOf(SocketStatus status);
     int Fail(WideString text);
     int FailSocket();
 

@@ -7,6 +7,8 @@
 #include <string>
 #include <thread>
 
+#include "platform/timed_calls.h"
+
 namespace quorvane {
 namespace {
 
@@ -14,11 +16,15 @@ constexpr USHORT kSmtpPort = 25;
 
 // No single system call waits longer, and before each one that comes later than this after the last
 // look the interruption is looked at: at least twice a second in all.
-constexpr Milliseconds kWaitStep{400};
+constexpr Milliseconds kWaitStep{kTimedCallLimit};
 constexpr Milliseconds kLookInterval{100};
 
 // Systems give up well before (21 to 127 seconds); this only keeps a silent one from lasting.
 constexpr Milliseconds kConnectLimit{180'000};
+
+int SizeOf(std::span<char> buffer) {
+    return static_cast<int>(std::min<std::size_t>(buffer.size(), INT_MAX));
+}
 
 bool IsControl(char c) {
     return static_cast<unsigned char>(c) < ' ' || c == 0x7F;
@@ -68,8 +74,7 @@ SocketStatus SocketConnection::Open() {
     if (!IsOpen()) {
         return Fail();
     }
-    u_long nonBlocking = 1;
-    if (ioctlsocket(m_socket, FIONBIO, &nonBlocking) != 0) {
+    if (PrepareTimedCalls(m_socket) != 0) {
         return Fail();
     }
     // Every send is a whole command or as much of the message as fits: nothing is gained by
@@ -85,7 +90,7 @@ SocketStatus SocketConnection::Connect(const in_addr& address, USHORT port) {
     peer.sin_family = AF_INET;
     peer.sin_port = port;
     peer.sin_addr = address;
-    if (connect(m_socket, reinterpret_cast<const sockaddr*>(&peer), sizeof peer) == 0) {
+    if (ConnectInTime(m_socket, peer) == 0) {
         return SocketStatus::Done;
     }
     if (WSAGetLastError() != WSAEWOULDBLOCK) {
@@ -154,10 +159,22 @@ SocketStatus SocketConnection::Pause(Milliseconds time) {
     });
 }
 
+SocketStatus SocketConnection::ReceiveWithin(Milliseconds limit, std::span<char> buffer,
+                                             std::size_t& count) {
+    return WaitInSteps(limit, [&](Milliseconds time) {
+        return Take(
+            ReceiveInTime(m_socket, buffer.data(), SizeOf(buffer), static_cast<int>(time.count())),
+            count);
+    });
+}
+
 SocketStatus SocketConnection::Receive(std::span<char> buffer, std::size_t& count, int flags) {
+    return Take(ReceiveAtOnce(m_socket, buffer.data(), SizeOf(buffer), flags), count);
+}
+
+// Takes the result of a call that receives.
+SocketStatus SocketConnection::Take(int received, std::size_t& count) {
     count = 0;
-    const int size = static_cast<int>(std::min<std::size_t>(buffer.size(), INT_MAX));
-    const int received = recv(m_socket, buffer.data(), size, flags);
     if (received > 0) {
         count = static_cast<std::size_t>(received);
         return SocketStatus::Done;
@@ -170,7 +187,7 @@ SocketStatus SocketConnection::Receive(std::span<char> buffer, std::size_t& coun
 
 SocketStatus SocketConnection::Send(std::string_view bytes, Milliseconds limit) {
     while (!bytes.empty()) {
-        const int sent = send(m_socket, bytes.data(), static_cast<int>(bytes.size()), 0);
+        const int sent = SendAtOnce(m_socket, bytes.data(), static_cast<int>(bytes.size()));
         if (sent >= 0) {
             bytes.remove_prefix(static_cast<std::size_t>(sent));
             continue;

@@ -1,8 +1,7 @@
 // The plain TCP connection under a session: IPv4 only, one socket, every wait with a limit.
 //
-// The socket doesn't block: calls that would are preceded by a wait for readiness, so that all
-// waiting (but the resolver's) happens in one function, in short steps. No signal, socket default
-// or resolver state of the process is changed.
+// All waiting (but the resolver's) happens in one function, in short steps. No signal, socket
+// default or resolver state of the process is changed.
 #pragma once
 
 #include <winsock2.h>
@@ -71,7 +70,9 @@ public:
     SocketStatus Receive(std::span<char> buffer, std::size_t& count) {
         return Receive(buffer, count, 0);
     }
-    // The same, but leaves the bytes to be received again.
+    // The same after a wait of at most that long.
+    SocketStatus ReceiveWithin(Milliseconds limit, std::span<char> buffer, std::size_t& count);
+    // As Receive, but leaves the bytes to be received again.
     SocketStatus Peek(std::span<char> buffer, std::size_t& count) {
         return Receive(buffer, count, MSG_PEEK);
     }
@@ -98,6 +99,7 @@ private:
     SocketStatus Wait(SHORT events, Milliseconds limit);
     SocketStatus Poll(SHORT events, Milliseconds time);
     SocketStatus Receive(std::span<char> buffer, std::size_t& count, int flags);
+    SocketStatus Take(int received, std::size_t& count);
     int TakePendingError();
     SocketStatus Fail();
     SocketStatus Fail(int error);

@@ -79,8 +79,6 @@ int send(SOCKET s, const char* data, int size, int flags);
 int recv(SOCKET s, char* buffer, int size, int flags);
 int shutdown(SOCKET s, int how);
 int closesocket(SOCKET s);
-// FIONBIO: whether calls return WSAEWOULDBLOCK instead of waiting.
-int ioctlsocket(SOCKET s, long command, u_long* argument);
 // TCP_NODELAY can be set; SO_ERROR can be asked for, which takes the error from the socket.
 int setsockopt(SOCKET s, int level, int option, const char* value, int size);
 int getsockopt(SOCKET s, int level, int option, char* value, int* size);
@@ -116,7 +114,6 @@ using quorvane::winsock::getsockopt;
 using quorvane::winsock::htonl;
 using quorvane::winsock::htons;
 using quorvane::winsock::in_addr;
-using quorvane::winsock::ioctlsocket;
 using quorvane::winsock::listen;
 using quorvane::winsock::LPWSADATA;
 using quorvane::winsock::LPWSAPOLLFD;
@@ -159,7 +156,6 @@ using quorvane::winsock::WSAStartup;
 #define SOL_SOCKET 0xFFFF
 #define SO_ERROR 0x1007
 #define TCP_NODELAY 0x0001
-#define FIONBIO ((long)0x8004667E)
 
 #define POLLRDNORM 0x0100
 #define POLLRDBAND 0x0200

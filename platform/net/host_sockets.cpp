@@ -5,7 +5,6 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -109,6 +108,36 @@ long Receive(int descriptor, char* buffer, std::size_t size, bool peek) {
     return Complete([&] { return recv(descriptor, buffer, size, peek ? MSG_PEEK : 0); });
 }
 
+int LimitCalls(int descriptor, int limit) {
+    const timeval time = {0, limit * 1000};
+    for (const int option : {SO_RCVTIMEO, SO_SNDTIMEO}) {
+        if (setsockopt(descriptor, SOL_SOCKET, option, &time, sizeof time) != 0) return -errno;
+    }
+    return 0;
+}
+
+int ConnectOnce(int descriptor, const Endpoint& endpoint) {
+    const sockaddr_in address = ToSystem(endpoint);
+    const int result =
+        Answer(connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address));
+    return result == -EINTR ? -EINPROGRESS : result;
+}
+
+long ReceiveOnce(int descriptor, char* buffer, std::size_t size) {
+    const ssize_t count = recv(descriptor, buffer, size, 0);
+    if (count >= 0) return count;
+    return errno == EINTR ? -EAGAIN : -errno;
+}
+
+long ReceiveAtOnce(int descriptor, char* buffer, std::size_t size, bool peek) {
+    const int flags = MSG_DONTWAIT | (peek ? MSG_PEEK : 0);
+    return Complete([&] { return recv(descriptor, buffer, size, flags); });
+}
+
+long SendAtOnce(int descriptor, const char* data, std::size_t size) {
+    return Complete([&] { return send(descriptor, data, size, MSG_NOSIGNAL | MSG_DONTWAIT); });
+}
+
 int ShutDown(int descriptor, bool receiving, bool sending) {
     const int how = receiving && sending ? SHUT_RDWR : sending ? SHUT_WR : SHUT_RD;
     return Answer(shutdown(descriptor, how));
@@ -117,11 +146,6 @@ int ShutDown(int descriptor, bool receiving, bool sending) {
 int Close(int descriptor) {
     // Never again after EINTR: the descriptor is closed then.
     return close(descriptor) != 0 && errno == EBADF ? -EBADF : 0;
-}
-
-int SetBlocking(int descriptor, bool blocking) {
-    int nonBlocking = !blocking;
-    return Answer(ioctl(descriptor, FIONBIO, &nonBlocking));
 }
 
 int SetNoDelay(int descriptor, bool noDelay) {

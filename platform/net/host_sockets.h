@@ -52,9 +52,17 @@ int LocalEndpoint(int descriptor, Endpoint& endpoint);
 int Connect(int descriptor, const Endpoint& endpoint);
 long Send(int descriptor, const char* data, std::size_t size);
 long Receive(int descriptor, char* buffer, std::size_t size, bool peek);
+// Has connect and receive give up after so many milliseconds, less than a second, with EINPROGRESS
+// and EAGAIN.
+int LimitCalls(int descriptor, int limit);
+// These do one call, which a signal may end: EINPROGRESS, since the connect goes on, and EAGAIN.
+int ConnectOnce(int descriptor, const Endpoint& endpoint);
+long ReceiveOnce(int descriptor, char* buffer, std::size_t size);
+// These don't wait, whatever the socket does.
+long ReceiveAtOnce(int descriptor, char* buffer, std::size_t size, bool peek);
+long SendAtOnce(int descriptor, const char* data, std::size_t size);
 int ShutDown(int descriptor, bool receiving, bool sending);
 int Close(int descriptor);
-int SetBlocking(int descriptor, bool blocking);
 int SetNoDelay(int descriptor, bool noDelay);
 // Takes the socket's pending errno value.
 int TakeError(int descriptor, int& error);

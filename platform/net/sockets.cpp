@@ -126,12 +126,6 @@ int closesocket(SOCKET s) {
     return Report(host::Close(Descriptor(s)));
 }
 
-int ioctlsocket(SOCKET s, long command, u_long* argument) {
-    if (!argument) return Fail(WSAEFAULT);
-    if (command != FIONBIO) return Fail(WSAEINVAL);
-    return Report(host::SetBlocking(Descriptor(s), *argument == 0));
-}
-
 int setsockopt(SOCKET s, int level, int option, const char* value, int size) {
     if (!value || size < 1) return Fail(WSAEFAULT);
     if (level != IPPROTO_TCP || option != TCP_NODELAY) return Fail(WSAENOPROTOOPT);

@@ -237,7 +237,6 @@ constexpr bool AllNumbersRight() {
     return true;
 }
 static_assert(AllNumbersRight());
-static_assert(static_cast<std::uint32_t>(FIONBIO) == 0x8004667E);
 static_assert(INVALID_SOCKET == static_cast<SOCKET>(-1));
 
 }  // namespace

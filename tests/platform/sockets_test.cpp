@@ -11,6 +11,9 @@
 #include <thread>
 #include <vector>
 
+#include "platform/timed_calls.h"
+
+namespace quorvane {
 namespace {
 
 constexpr int kLimit = 10000;  // milliseconds that no wait here comes near
@@ -33,10 +36,6 @@ public:
     void Close() {
         if (socket_ != INVALID_SOCKET) closesocket(socket_);
         socket_ = INVALID_SOCKET;
-    }
-    void MakeNonBlocking() const {
-        u_long on = 1;
-        EXPECT_EQ(ioctlsocket(socket_, FIONBIO, &on), 0);
     }
     SHORT Poll(SHORT events, int limit = kLimit) const {
         WSAPOLLFD entry{};
@@ -122,14 +121,49 @@ TEST_F(SocketsTest, SendEverythingWhenTheyBlock) {
     EXPECT_EQ(received, data.size());
 }
 
-TEST_F(SocketsTest, WouldBlockWhenTheyMayNot) {
+TEST_F(SocketsTest, TimedCallsWaitNoLongerThanTheyMay) {
+    const Socket client;
+    ASSERT_EQ(PrepareTimedCalls(client.get()), 0);
+    if (ConnectInTime(client.get(), address_) != 0) {
+        ASSERT_EQ(WSAGetLastError(), WSAEWOULDBLOCK);
+        ASSERT_NE(client.Poll(POLLOUT), 0);
+    }
+    const Socket peer(accept(listener_.get(), nullptr, nullptr));
+    char buffer[8] = {};
+    for (const int time : {0, 10, kTimedCallLimit}) {
+        WSASetLastError(0);
+        EXPECT_EQ(ReceiveInTime(client.get(), buffer, 8, time), SOCKET_ERROR) << time;
+        EXPECT_EQ(WSAGetLastError(), WSAEWOULDBLOCK) << time;
+    }
+    WSASetLastError(0);
+    EXPECT_EQ(ReceiveAtOnce(client.get(), buffer, 8, 0), SOCKET_ERROR);
+    EXPECT_EQ(WSAGetLastError(), WSAEWOULDBLOCK);
+
+    const std::string data(65536, 'x');
+    int sent = 0;
+    for (int i = 0; i < 10000 && sent >= 0; ++i) {  // until the buffers of both sides are full
+        sent = SendAtOnce(client.get(), data.data(), static_cast<int>(data.size()));
+    }
+    EXPECT_EQ(sent, SOCKET_ERROR);
+    EXPECT_EQ(WSAGetLastError(), WSAEWOULDBLOCK);
+}
+
+TEST_F(SocketsTest, TimedCallsTakeWhatComes) {
     const Socket client;
     ASSERT_EQ(Connect(client), 0);
+    ASSERT_EQ(PrepareTimedCalls(client.get()), 0);
     const Socket peer(accept(listener_.get(), nullptr, nullptr));
-    client.MakeNonBlocking();
-    char byte;
-    EXPECT_EQ(recv(client.get(), &byte, 1, 0), SOCKET_ERROR);
-    EXPECT_EQ(WSAGetLastError(), WSAEWOULDBLOCK);
+    char buffer[8] = {};
+    for (const int time : {kTimedCallLimit - 1, kTimedCallLimit}) {
+        EXPECT_EQ(send(peer.get(), "hello", 5, 0), 5);
+        EXPECT_NE(client.Poll(POLLIN), 0);
+        EXPECT_EQ(ReceiveAtOnce(client.get(), buffer, 8, MSG_PEEK), 5);
+        EXPECT_EQ(ReceiveInTime(client.get(), buffer, 8, time), 5) << time;
+        EXPECT_STREQ(buffer, "hello");
+    }
+    EXPECT_EQ(shutdown(peer.get(), SD_BOTH), 0);
+    EXPECT_NE(client.Poll(POLLIN), 0);
+    EXPECT_EQ(ReceiveInTime(client.get(), buffer, 8, kTimedCallLimit), 0);
 }
 
 TEST_F(SocketsTest, AreRefusedWhereNobodyListens) {
@@ -139,14 +173,16 @@ TEST_F(SocketsTest, AreRefusedWhereNobodyListens) {
     EXPECT_EQ(WSAGetLastError(), WSAECONNREFUSED);
 
     const Socket client;
-    client.MakeNonBlocking();
-    EXPECT_EQ(Connect(client), SOCKET_ERROR);
-    ASSERT_EQ(WSAGetLastError(), WSAEWOULDBLOCK);
-    EXPECT_NE(client.Poll(POLLOUT), 0);
-    int error = 0;
-    int size = sizeof error;
-    EXPECT_EQ(
-        getsockopt(client.get(), SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&error), &size), 0);
+    EXPECT_EQ(PrepareTimedCalls(client.get()), 0);
+    EXPECT_EQ(ConnectInTime(client.get(), address_), SOCKET_ERROR);
+    int error = WSAGetLastError();
+    if (error == WSAEWOULDBLOCK) {
+        EXPECT_NE(client.Poll(POLLOUT), 0);
+        int size = sizeof error;
+        EXPECT_EQ(
+            getsockopt(client.get(), SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&error), &size),
+            0);
+    }
     EXPECT_EQ(error, WSAECONNREFUSED);
 }
 
@@ -242,3 +278,4 @@ TEST_F(SocketsTest, FindTheMailServiceWhateverTheCaseOfItsName) {
 }
 
 }  // namespace
+}  // namespace quorvane

@@ -9,6 +9,9 @@
 #include <csignal>
 #include <thread>
 
+#include "platform/timed_calls.h"
+
+namespace quorvane {
 namespace {
 
 class LinuxSocketsTest : public testing::Test {
@@ -95,4 +98,31 @@ TEST_F(LinuxSocketsTest, GoOnAfterASignal) {
     EXPECT_GT(signals, 0);
 }
 
+// Or a timer of the host's, whose signals come faster than the time passes, would keep it for ever.
+TEST_F(LinuxSocketsTest, EndATimedCallWithASignal) {
+    struct sigaction action = {};
+    struct sigaction before = {};
+    action.sa_handler = [](int) {};
+    sigaction(SIGUSR1, &action, &before);
+    ASSERT_EQ(PrepareTimedCalls(client_), 0);
+    const pthread_t waiting = pthread_self();
+    std::atomic<bool> ended{false}, inVain{false};
+    std::thread timer([&] {
+        constexpr int kMany = 10 * kTimedCallLimit;
+        for (int i = 0; i < kMany && !ended; ++i) {
+            pthread_kill(waiting, SIGUSR1);
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        inVain = !ended;
+    });
+    char byte = 0;
+    EXPECT_EQ(ReceiveInTime(client_, &byte, 1, kTimedCallLimit), SOCKET_ERROR);
+    EXPECT_EQ(WSAGetLastError(), WSAEWOULDBLOCK);
+    ended = true;
+    timer.join();
+    EXPECT_FALSE(inVain);
+    sigaction(SIGUSR1, &before, nullptr);
+}
+
 }  // namespace
+}  // namespace quorvane

@@ -15,19 +15,21 @@ def spread(ratios):
 
 
 def verdict(outcome):
+    if not outcome.row.target:
+        return ""
     return "met" if outcome.row.is_met(outcome.ratio) else "NOT met"
 
 
 def heading(names):
-    return f"{'':<46}" + "".join(f"{name:>11}" for name in names) + "  ratio, median and range"
+    return f"{'':<64}" + "".join(f"{name:>11}" for name in names) + "  ratio, median and range"
 
 
 def line(outcome, names):
     row = outcome.row
     cells = "".join(f"{number(outcome.values[name]) if name in outcome.values else '-':>11}"
                     for name in names)
-    return (f"{row.title + ', ' + row.unit.name:<46}{cells}  {spread(outcome.ratios):<20}"
-            f" {row.target}: {verdict(outcome)}")
+    return (f"{row.title + ', ' + row.unit.name:<64}{cells}  {spread(outcome.ratios):<20}"
+            f" {row.target and f'{row.target}: {verdict(outcome)}'}").rstrip()
 
 
 def table(head, rows):
@@ -39,7 +41,7 @@ def targets(outcomes):
     """The ratios that shall be reached."""
     return table(["work", "Quorvane's figure, times", "median (range)", "to reach", ""],
                  [[outcome.row.title, f"{outcome.row.reference}'s" if not outcome.row.is_peak
-                   else outcome.row.reference, spread(outcome.ratios), outcome.row.target,
+                   else outcome.row.reference, spread(outcome.ratios), outcome.row.target or "-",
                    verdict(outcome)] for outcome in outcomes])
 
 

@@ -4,14 +4,21 @@ import os
 import subprocess
 from pathlib import Path
 
+from rows import ANYWHERE, APART, TOGETHER
+
+
+def processors(place):
+    """Those of the catcher and of the contenders; None is any. A machine with one has no apart."""
+    ours = sorted(os.sched_getaffinity(0))
+    return {ANYWHERE: (None, None), TOGETHER: (ours[0], ours[0]), APART: (ours[0], ours[-1])}[place]
+
 
 class Program:
     """A process that answers each line it is told with one line, and ends with its input. It may
-    have to stay on one processor."""
+    have to stay on a processor."""
 
-    def __init__(self, command, on_one_processor=False):
-        first = min(os.sched_getaffinity(0))
-        place = ["taskset", "--cpu-list", first] if on_one_processor else []
+    def __init__(self, command, processor=None):
+        place = [] if processor is None else ["taskset", "--cpu-list", processor]
         self.command = [str(word) for word in [*place, *command]]
         self.process = subprocess.Popen(self.command, stdin=subprocess.PIPE,
                                         stdout=subprocess.PIPE, text=True)
@@ -43,9 +50,9 @@ class Program:
 class Catcher(Program):
     """Each contender gets a port of its own, so that none waits for another's old connections."""
 
-    def __init__(self, programs, ports, folder=None, **place):
+    def __init__(self, programs, ports, folder=None, processor=None):
         super().__init__([programs / "bench_catcher", ports] + ([folder] if folder else []),
-                         **place)
+                         processor)
         self.ports = [int(port) for port in self.answer().split()]
 
     def count(self):
@@ -55,9 +62,9 @@ class Catcher(Program):
 class Contender(Program):
     """See contend.cpp."""
 
-    def __init__(self, command, workload, folder, port=0, senders=1, **place):
+    def __init__(self, command, workload, folder, port=0, senders=1, processor=None):
         super().__init__([*command, "--workload", workload, "--folder", folder, "--port", port,
-                          "--senders", senders], **place)
+                          "--senders", senders], processor)
 
     def repeat(self, work, count):
         """Seconds and processor seconds for so many messages."""

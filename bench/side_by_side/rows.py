@@ -5,6 +5,9 @@ from dataclasses import dataclass
 MIB = 1024 * 1024
 FILE = 25 * MIB
 
+# Where catcher and contenders run.
+ANYWHERE, TOGETHER, APART = "anywhere", "together", "apart"
+
 
 @dataclass(frozen=True)
 class Unit:
@@ -24,13 +27,16 @@ class Row:
     work: str  # what a contender is told
     unit: Unit
     reference: str = "libcurl"
-    least: float = 0  # times the reference
+    least: float = 0  # times the reference; a row with neither is told beside another one
     most: float = 0
     senders: int = 1
-    # Client and catcher take turns at a message of a few lines and never work at the same time. On
-    # two processors such a row measures what waking the other one costs, which is up to ten times
-    # the work where they are virtual, and hides the difference between the clients.
-    on_one_processor: bool = False
+    # TOGETHER, on one processor: a client and the catcher take turns at a message of a few lines and
+    # never work at the same time. On two processors such a row measures what waking the other one
+    # costs, which is up to ten times the work where they are virtual, and hides the difference
+    # between the clients.
+    # APART, one processor each: the catcher, which takes less than any client, is never waited for,
+    # and the rate is the clients' own, as with a server on another machine.
+    place: str = ANYWHERE
 
     @property
     def sends(self):
@@ -47,6 +53,8 @@ class Row:
 
     @property
     def target(self):
+        if not self.least and not self.most:
+            return ""
         if self.least:
             return f"at least {self.least:g} x {self.reference}"
         return f"at most {self.most:g} x {self.reference}"
@@ -63,10 +71,12 @@ ROWS = (
     Row("small", "compose, small text", "small", "compose", Unit("messages/s", 1), least=4),
     Row("rich", "compose, rich message", "rich", "compose", Unit("messages/s", 1), least=6),
     Row("send", "send a small message", "small", "send", Unit("us", 0, 1e6), most=0.70,
-        on_one_processor=True),
+        place=TOGETHER),
     Row("send25", "compose and send 25 MiB", "base64", "send", Unit("ms", 0, 1e3), most=0.12),
     Row("senders50", "50 senders at once", "small", "send", Unit("messages/s", 1), least=1.45,
-        senders=50),
+        senders=50, place=APART),
+    Row("senders50-shared", "50 senders, sharing both processors with the catcher", "small", "send",
+        Unit("messages/s", 1), senders=50),
 )
 
 

@@ -9,7 +9,7 @@ from pathlib import Path
 
 from check_equal import check
 from contenders import entrants
-from processes import Catcher, Contender
+from processes import Catcher, Contender, processors
 from rows import FILE, Row
 
 # Long enough to drown the noise of clock and scheduler.
@@ -117,12 +117,13 @@ class Bench:
 
     def measure_speed(self, row):
         members = self.field(row.workload)
-        place = {"on_one_processor": row.on_one_processor}
+        of_catcher, of_contenders = processors(row.place)
         with contextlib.ExitStack() as stack:
-            catcher = stack.enter_context(Catcher(self.programs, len(members), **place))
+            catcher = stack.enter_context(
+                Catcher(self.programs, len(members), processor=of_catcher))
             contenders = {entrant.name: stack.enter_context(
                 Contender(entrant.command(row.work), row.workload, self.folder, port, row.senders,
-                          **place))
+                          of_contenders))
                 for entrant, port in zip(members, catcher.ports)}
             turns = play(row, contenders, self.rounds)
             outcome = outcome_of(row, turns)

@@ -57,8 +57,13 @@ void SendQueue::Rest() noexcept {
 }
 
 LONG SendQueue::Add(std::unique_ptr<COutgoingMessage> message, bool useSmtpServer) {
-    const std::lock_guard lock(tableLock_);
-    return table_.Add(std::move(message), useSmtpServer);
+    LONG number;
+    {
+        const std::lock_guard lock(tableLock_);
+        number = table_.Add(std::move(message), useSmtpServer);
+    }
+    m_stopEvent->Ring(Work::Messages);
+    return number;
 }
 
 bool SendQueue::StartWorker() noexcept {
@@ -137,6 +142,7 @@ void SendQueue::CancelAll() noexcept {
 
 void SendQueue::PostEvent(EventKind kind, LONG messageNumber, LONG first, LONG second) noexcept {
     m_eventQueue.Post({kind, messageNumber, first, second});
+    m_stopEvent->Ring(Work::Events);
 }
 
 bool SendQueue::StartThread(void (SendQueue::*body)()) noexcept {

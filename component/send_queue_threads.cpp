@@ -2,6 +2,7 @@
 #include <chrono>
 
 #include "component/delivery.h"
+#include "component/pace.h"
 #include "component/send_queue.h"
 
 namespace quorvane {
@@ -33,8 +34,11 @@ void CloseAfterException(std::optional<CSmtpWrapper>& session) noexcept {
 }  // namespace
 
 void SendQueue::EventThread() {
-    while (!m_stopEvent->WaitFor(kPace)) {
-        for (const PendingEvent& event : m_eventQueue.TakeAll()) {
+    Pace pace(*m_stopEvent, Work::Events, kPace);
+    for (bool idle = false; pace.NextLook(idle);) {
+        const std::vector<PendingEvent> events = m_eventQueue.TakeAll();
+        idle = events.empty();
+        for (const PendingEvent& event : events) {
             if (!m_stopEvent->CallBegins()) return;
             if (event.kind == EventKind::StatusChange) {
                 listeners.FireStatusChange(event.messageNumber, event.first);
@@ -50,10 +54,14 @@ void SendQueue::WorkerThread() {
     // Made for the first message and kept for those that follow.
     std::optional<CSmtpWrapper> session;
     if (!StayAsWorker(maxThreads())) return;
-    while (!m_stopEvent->WaitFor(kPace)) {
+    Pace pace(*m_stopEvent, Work::Messages, kPace);
+    for (bool idle = false; pace.NextLook(idle);) {
+        idle = false;
         if (const CSmtpMailHolder* const holder = Take()) {
             SendQueued(*holder, session);
-        } else if (!StayAsWorker(1) && !ReturnAsWorker()) {
+        } else if (StayAsWorker(1)) {
+            idle = true;
+        } else if (!ReturnAsWorker()) {
             return;
         }
     }

@@ -1,9 +1,12 @@
-// The end of an object's threads: how they are told, and how long its release waits for them.
+// What an object's threads wait for: the end, of which they are told and for which its release
+// waits, and work for those that have none.
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <mutex>
 #include <new>
 #include <vector>
@@ -11,6 +14,8 @@
 #include "automation/module_thread.h"
 
 namespace quorvane {
+
+enum class Work { Messages, Events };
 
 // Any thread.
 class StopSignal {
@@ -22,6 +27,7 @@ public:
             sent_ = true;
         }
         sentCondition_.notify_all();
+        for (Bell& bell : bells_) bell.condition.notify_all();
     }
 
     bool sent() const {
@@ -29,10 +35,35 @@ public:
         return sent_;
     }
 
-    // True as soon as the signal is sent; false when the time has passed without it.
-    bool WaitFor(std::chrono::milliseconds time) {
+    // True as soon as the signal is sent; false when the time has come without it.
+    bool WaitUntil(std::chrono::steady_clock::time_point time) {
         std::unique_lock lock(mutex_);
-        return sentCondition_.wait_for(lock, time, [this] { return sent_; });
+        return sentCondition_.wait_until(lock, time, [this] { return sent_; });
+    }
+
+    // There is something new to do. Wakes those who sleep until then.
+    void Ring(Work work) {
+        Bell& bell = BellOf(work);
+        {
+            const std::lock_guard lock(mutex_);
+            ++bell.rings;
+            if (bell.sleepers == 0) return;
+        }
+        bell.condition.notify_all();
+    }
+    // How often that has been.
+    unsigned long long rings(Work work) {
+        const std::lock_guard lock(mutex_);
+        return BellOf(work).rings;
+    }
+    // Sleeps until it has been more often than that. True when the signal is sent.
+    bool WaitForRing(Work work, unsigned long long rings) {
+        Bell& bell = BellOf(work);
+        std::unique_lock lock(mutex_);
+        ++bell.sleepers;
+        bell.condition.wait(lock, [&] { return sent_ || bell.rings > rings; });
+        --bell.sleepers;
+        return sent_;
     }
 
     void ThreadStarts() { Count(1, 0); }
@@ -81,6 +112,14 @@ public:
     }
 
 private:
+    struct Bell {
+        std::condition_variable condition;
+        unsigned long long rings = 0;
+        int sleepers = 0;
+    };
+
+    Bell& BellOf(Work work) { return bells_[static_cast<std::size_t>(work)]; }
+
     void Count(int threads, int calls) {
         const std::lock_guard lock(mutex_);
         threads_ += threads;
@@ -91,6 +130,7 @@ private:
     mutable std::mutex mutex_;
     std::condition_variable sentCondition_;
     std::condition_variable quietCondition_;
+    std::array<Bell, 2> bells_;
     std::vector<ThreadEnd> ends_;  // of those that are on their last steps
     bool sent_ = false;
     int threads_ = 0;

@@ -1,15 +1,22 @@
-// The end of an object's threads. Limits of an hour: a wait that doesn't end before is a failure.
+// What an object's threads wait for. Limits of an hour: a wait that doesn't end before is a failure.
 #include "component/stop_signal.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>
+#include <thread>
+
+#include "component/pace.h"
 
 namespace quorvane {
 namespace {
 
 constexpr std::chrono::hours kLimit{1};
+
+std::chrono::steady_clock::time_point InAnHour() {
+    return std::chrono::steady_clock::now() + kLimit;
+}
 
 TEST(StopSignal, ReleaseWaitsNoLongerThanForTheLastThread) {
     StopSignal signal;
@@ -17,7 +24,7 @@ TEST(StopSignal, ReleaseWaitsNoLongerThanForTheLastThread) {
     const auto start = [&] {
         signal.ThreadStarts();
         return StartModuleThread([&] {
-            if (signal.WaitFor(kLimit)) ++ended;
+            if (signal.WaitUntil(InAnHour())) ++ended;
             signal.ThreadEnds();
         });
     };
@@ -40,6 +47,53 @@ TEST(StopSignal, ReleaseDoesNotWaitForACall) {
     signal.Send();
     signal.WaitForThreads(kLimit);
     EXPECT_FALSE(signal.CallBegins()) << "nobody is called any more";
+}
+
+TEST(Pace, AThreadWithoutWorkLooksOnceForEachRing) {
+    StopSignal signal;
+    std::atomic<int> looks = 0;
+    std::thread thread([&] {
+        Pace pace(signal, Work::Events, std::chrono::milliseconds(1));
+        for (bool idle = false; pace.NextLook(idle); idle = true) {
+            ++looks;
+            looks.notify_one();
+        }
+    });
+    for (int expected = 1; expected <= 4; ++expected) {
+        for (int seen = 0; (seen = looks) < expected;) looks.wait(seen);
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));  // for looks that are too many
+        EXPECT_EQ(looks, expected);
+        signal.Ring(Work::Messages);  // somebody else's
+        if (expected < 4) signal.Ring(Work::Events);
+    }
+    signal.Send();
+    thread.join();
+    EXPECT_EQ(looks, 4);
+}
+
+TEST(Pace, NoWorkIsMissed) {
+    constexpr int kItems = 20000;
+    StopSignal signal;
+    std::atomic<int> waiting = 0;
+    std::atomic<int> done = 0;
+    std::thread thread([&] {
+        Pace pace(signal, Work::Messages, std::chrono::microseconds(1));
+        for (bool idle = false; pace.NextLook(idle);) {
+            const int taken = waiting.exchange(0);
+            idle = taken == 0;
+            done += taken;
+        }
+    });
+    for (int item = 0; item < kItems; ++item) {
+        ++waiting;
+        signal.Ring(Work::Messages);
+        if (item % 3 == 0) std::this_thread::yield();
+    }
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (done < kItems && std::chrono::steady_clock::now() < deadline) std::this_thread::yield();
+    EXPECT_EQ(done, kItems);
+    signal.Send();
+    thread.join();
 }
 
 }  // namespace

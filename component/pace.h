@@ -8,8 +8,8 @@
 namespace quorvane {
 
 // The looks of one thread, a period apart. Once it has found nothing it sleeps until there is
-// something, and goes on with the look that would have come next: idle objects cost no time, and
-// for whoever has something to do nothing is different.
+// something, and goes on with the look that would have come next: idle objects take no time, and
+// work is found as soon as if the thread had gone on looking.
 class Pace {
 public:
     Pace(StopSignal& signal, Work work, std::chrono::steady_clock::duration period)
@@ -21,7 +21,7 @@ public:
         if (idle && signal_.WaitForRing(work_, rings_)) return false;
         const auto periods = idle ? (Clock::now() - last) / period_ : 0;
         if (signal_.WaitUntil(last + (periods + 1) * period_)) return false;
-        // Before the look: what comes behind it rings once more.
+        // Before the look: what comes after it rings once more.
         rings_ = signal_.rings(work_);
         return true;
     }

@@ -1,5 +1,5 @@
-// What an object's threads wait for: the end, of which they are told and for which its release
-// waits, and work for those that have none.
+// What an object's threads wait for: the signal that ends them, and work for those that have none;
+// and how long the object's release waits for them.
 #pragma once
 
 #include <algorithm>

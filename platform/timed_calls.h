@@ -1,11 +1,11 @@
 // Calls on one connection that wait for a short while by themselves, where the system lets them. A
-// wait and what it waits for are one call then, which saves 2 of the 36 us that a small message
-// takes on Linux. Windows leaves a connection undefined behind a receive that has timed out, so
-// there each is a poll and a call that doesn't wait.
+// wait and what it waits for are one call then, which saves a twentieth of the time that a small
+// message takes on Linux. Windows leaves a connection undefined once a receive has timed out, so
+// the calls don't wait there, and the receive follows a poll.
 //
-// All return what the socket functions of the same names do, and leave the error to
-// WSAGetLastError; WSAEWOULDBLOCK when the time has passed, or a signal came. Times are in
-// milliseconds.
+// They return what the socket functions do that they are named after, and leave the error to
+// WSAGetLastError: WSAEWOULDBLOCK when the time has passed. On Linux a signal may end the time
+// early. Times are in milliseconds.
 #pragma once
 
 #include <winsock2.h>
@@ -15,10 +15,11 @@ namespace quorvane {
 // The longest that one of these calls waits.
 inline constexpr int kTimedCallLimit = 400;
 
-// Makes a new socket one for the calls below.
+// Makes a new socket one for the calls below: 0 or SOCKET_ERROR.
 int PrepareTimedCalls(SOCKET s);
 
-// A connect that hasn't its result in time goes on; the socket becomes writable with it.
+// Waits as long as the limit, if at all. A connect that hasn't its result in time goes on, and the
+// socket becomes writable with it.
 int ConnectInTime(SOCKET s, const sockaddr_in& peer);
 
 // `time` is at most kTimedCallLimit.

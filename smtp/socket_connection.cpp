@@ -6,6 +6,7 @@
 #include <climits>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "platform/timed_calls.h"
 
@@ -90,13 +91,14 @@ SocketStatus SocketConnection::Connect(const in_addr& address, USHORT port) {
     peer.sin_family = AF_INET;
     peer.sin_port = port;
     peer.sin_addr = address;
-    if (ConnectInTime(m_socket, peer) == 0) {
-        return SocketStatus::Done;
-    }
-    if (WSAGetLastError() != WSAEWOULDBLOCK) {
-        return Fail();
-    }
-    const SocketStatus status = WaitInSteps(kConnectLimit, [this](Milliseconds time) {
+    bool begun = false;
+    const SocketStatus status = WaitInSteps(kConnectLimit, [&](Milliseconds time) {
+        if (!std::exchange(begun, true)) {
+            if (ConnectInTime(m_socket, peer) == 0) {
+                return SocketStatus::Done;
+            }
+            return WSAGetLastError() == WSAEWOULDBLOCK ? SocketStatus::TimedOut : Fail();
+        }
         const SocketStatus ready = Poll(POLLOUT, time);
         // Asked for after every step, since some systems never report a failed connect as ready.
         const int error = TakePendingError();

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <chrono>
 #include <thread>
+#include <vector>
 
 #include "component/pace.h"
 
@@ -69,6 +70,21 @@ TEST(Pace, AThreadWithoutWorkLooksOnceForEachRing) {
     signal.Send();
     thread.join();
     EXPECT_EQ(looks, 4);
+}
+
+TEST(Pace, WorkIsLookedForNoSoonerThanIsUsual) {
+    constexpr std::chrono::milliseconds kPeriod{10};
+    StopSignal signal;
+    std::vector<std::chrono::steady_clock::time_point> looks;
+    Pace pace(signal, Work::Messages, kPeriod);
+    for (bool idle = false; looks.size() < 4; idle = true) {
+        ASSERT_TRUE(pace.NextLook(idle));
+        looks.push_back(std::chrono::steady_clock::now());
+        signal.Ring(Work::Messages);
+    }
+    for (std::size_t look = 1; look < looks.size(); ++look) {
+        EXPECT_GE(looks[look] - looks[look - 1], kPeriod);
+    }
 }
 
 TEST(Pace, NoWorkIsMissed) {

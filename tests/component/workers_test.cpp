@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <thread>
 
 #include "tests/component/async_client.h"
 #include "tests/servers/mail_peer.h"
@@ -27,6 +28,18 @@ TEST(Workers, TakeOneMessageAtEachLook) {
     ASSERT_TRUE(peer.WaitForAccepted(kMessages));
     // The first look may have been due.
     EXPECT_GE(std::chrono::steady_clock::now() - start, kPace * (kMessages - 1));
+}
+
+// The only one there may be, so that none is started for the message.
+TEST(Workers, WakeForAMessage) {
+    MailPeer peer;
+    AsyncClient client(peer.port());
+    client.mail->put_MaxThreads(1);
+    for (int message = 1; message <= 3; ++message) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(150));  // it looks in vain
+        client.Send(OLESTR("ok@x"));
+        ASSERT_TRUE(peer.WaitForAccepted(message));
+    }
 }
 
 TEST(Workers, StayForWhatIsQueuedWhenTheirNumberIsLowered) {

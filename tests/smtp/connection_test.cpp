@@ -127,6 +127,19 @@ TEST(SocketConnection, RefusedConnectionLeavesNoError) {
     EXPECT_TRUE(connection.IsOpen());
 }
 
+TEST(SocketConnection, IsInterruptedBeforeItConnects) {
+    StartSockets();
+    const LoopbackListener listener;
+    in_addr address{};
+    ASSERT_TRUE(ResolveServer(OLESTR("127.0.0.1"), address));
+    SocketConnection connection([] { return true; });
+    ASSERT_EQ(connection.Open(), SocketStatus::Done);
+    std::this_thread::sleep_for(std::chrono::milliseconds(150));  // so that the question is due
+    EXPECT_EQ(connection.Connect(address, listener.port()), SocketStatus::Failed);
+    EXPECT_TRUE(connection.wasInterrupted());
+    EXPECT_FALSE(listener.WaitForConnection(0));
+}
+
 TEST(ResolveServer, TakesAddressesAndNames) {
     StartSockets();
     const struct {

@@ -17,25 +17,32 @@ namespace {
 class LinuxSocketsTest : public testing::Test {
 protected:
     void SetUp() override {
-        const SOCKET listener = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        int size = sizeof address;
-        auto* const generic = reinterpret_cast<sockaddr*>(&address);
-        ASSERT_EQ(bind(listener, generic, size), 0);
-        ASSERT_EQ(listen(listener, 1), 0);
-        ASSERT_EQ(getsockname(listener, generic, &size), 0);
-        client_ = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-        ASSERT_EQ(connect(client_, generic, size), 0);
-        peer_ = accept(listener, nullptr, nullptr);
-        closesocket(listener);
+        listener_ = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+        address_.sin_family = AF_INET;
+        address_.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        int size = sizeof address_;
+        auto* const generic = reinterpret_cast<sockaddr*>(&address_);
+        ASSERT_EQ(bind(listener_, generic, size), 0);
+        ASSERT_EQ(listen(listener_, 0), 0);
+        ASSERT_EQ(getsockname(listener_, generic, &size), 0);
+        client_ = Connected();
+        peer_ = accept(listener_, nullptr, nullptr);
     }
     void TearDown() override {
         closesocket(client_);
         closesocket(peer_);
+        closesocket(listener_);
     }
 
+    SOCKET Connected() const {
+        const SOCKET client = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+        EXPECT_EQ(connect(client, reinterpret_cast<const sockaddr*>(&address_), sizeof address_),
+                  0);
+        return client;
+    }
+
+    SOCKET listener_ = INVALID_SOCKET;  // one connection may wait to be accepted
+    sockaddr_in address_{};
     SOCKET client_ = INVALID_SOCKET;
     SOCKET peer_ = INVALID_SOCKET;
 };
@@ -96,6 +103,22 @@ TEST_F(LinuxSocketsTest, GoOnAfterASignal) {
     sender.join();
     sigaction(SIGUSR1, &before, nullptr);
     EXPECT_GT(signals, 0);
+}
+
+TEST_F(LinuxSocketsTest, LetATimedConnectGoOn) {
+    const SOCKET waiting = Connected();
+    const SOCKET late = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+    ASSERT_EQ(PrepareTimedCalls(late), 0);
+    EXPECT_EQ(ConnectInTime(late, address_), SOCKET_ERROR);
+    EXPECT_EQ(WSAGetLastError(), WSAEWOULDBLOCK);
+    WSAPOLLFD entry{};
+    entry.fd = late;
+    entry.events = POLLOUT;
+    EXPECT_EQ(WSAPoll(&entry, 1, 0), 0);
+    const SOCKET accepted = accept(listener_, nullptr, nullptr);
+    EXPECT_EQ(WSAPoll(&entry, 1, 10000), 1);
+    EXPECT_EQ(entry.revents, POLLOUT);
+    for (const SOCKET s : {waiting, late, accepted}) closesocket(s);
 }
 
 // Or a timer of the host's, whose signals come faster than the time passes, would keep it for ever.

@@ -74,9 +74,13 @@ private:
 // A short text that is put together from its end to its start, where numbers are made that way.
 class ShortText {
 public:
-    void Put(std::string_view text) {
-        start_ -= text.size();
-        std::copy(text.begin(), text.end(), start_);
+    void Put(char c) { *--start_ = c; }
+
+    // A literal; a size that the compiler knows makes it a move or two.
+    template <std::size_t size>
+    void Put(const char (&text)[size]) {
+        start_ -= size - 1;
+        std::copy_n(text, size - 1, start_);
     }
 
     // With as many digits at least.
@@ -157,24 +161,24 @@ void AppendAddressList(const COutgoingMessage& message, const std::vector<CAddre
 }
 
 void AppendDate(const SYSTEMTIME& local, LONG utcOffset, std::string& out) {
-    constexpr std::string_view kDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-    constexpr std::string_view kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                            "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    static constexpr char kDays[][4] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+    static constexpr char kMonths[][4] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                          "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     const int month = local.wMonth >= 1 && local.wMonth <= 12 ? local.wMonth : 1;
     const auto offset = static_cast<ULONG>(utcOffset);
     ShortText date;  // of 50 characters at most
     date.PutNumber(utcOffset > 0 ? offset : 0 - offset, 4);
     date.Put(utcOffset > 0 ? " +" : " -");
     date.PutNumber(local.wSecond, 2);
-    date.Put(":");
+    date.Put(':');
     date.PutNumber(local.wMinute, 2);
-    date.Put(":");
+    date.Put(':');
     date.PutNumber(local.wHour, 1);
-    date.Put(" ");
+    date.Put(' ');
     date.PutNumber(local.wYear, 4);
-    date.Put(" ");
+    date.Put(' ');
     date.Put(kMonths[month - 1]);
-    date.Put(" ");
+    date.Put(' ');
     date.PutNumber(local.wDay, 1);
     date.Put(", ");
     date.Put(kDays[DayOfWeek(local.wYear, month, std::max<int>(local.wDay, 1))]);

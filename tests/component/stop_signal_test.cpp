@@ -1,4 +1,5 @@
-// What an object's threads wait for. Limits of an hour: a wait that doesn't end before is a failure.
+// What an object's threads wait for. Limits of an hour: a wait that doesn't end before is a
+// failure.
 #include "component/stop_signal.h"
 
 #include <gtest/gtest.h>

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <utility>
 
 namespace quorvane {
@@ -28,28 +29,28 @@ int LineChannel::SendCommand(CommandView command, long long replyTimeout) {
 }
 
 int LineChannel::Drain(std::string_view command) {
+    if (m_connection.Look() == SocketStatus::Failed) {
+        return FailSocket();
+    }
     std::array<char, kReplyCapacity> discarded;
-    const Stopwatch watch;
+    std::optional<Stopwatch> watch;
     for (std::size_t total = 0;;) {
-        const SocketStatus status = m_connection.WaitReadable(Milliseconds{0});
-        if (status == SocketStatus::Failed) {
-            return FailSocket();
-        }
-        const bool readable = status == SocketStatus::Done;
-        if (!readable && !m_secure.pending()) {
-            return 0;
-        }
         std::size_t count = 0;
-        switch (Receive(readable, discarded, count)) {
+        // Nearly always nothing is there, which receiving tells as well as a wait of no time. With
+        // TLS a record may be half there, and the rest to be received yet.
+        switch (m_secure.active() ? ReceiveWithin(Milliseconds{0}, discarded, count)
+                                  : Receive(true, discarded, count)) {
             case Arrival::Bytes:
                 break;
-            case Arrival::Closed:
-                return 0;  // the wait for the reply finds it too, and says so
+            case Arrival::Nothing:
+            case Arrival::Closed:  // the wait for the reply finds it too, and says so
+                return 0;
             case Arrival::Failed:
                 return -1;
         }
+        if (!watch) watch.emplace();
         total += count;
-        if (total > kMaxUnrequestedBytes || watch.elapsed() > kMaxDrainTime) {
+        if (total > kMaxUnrequestedBytes || watch->elapsed() > kMaxDrainTime) {
             return Fail(UnrequestedDataText(m_server, command));
         }
     }
@@ -107,6 +108,7 @@ int LineChannel::AwaitReply(CommandView command, long long replyTimeout) {
         const seconds limit(replyTimeout - elapsed / seconds(1));
         std::size_t count = 0;
         switch (ReceiveWithin(limit, buffer.room(), count)) {
+            case Arrival::Nothing:
             case Arrival::Bytes:
                 break;
             case Arrival::Closed:
@@ -140,7 +142,6 @@ int LineChannel::TakeReply(const ReplyBuffer& buffer, bool answered, CommandView
     return reply.code;
 }
 
-// Not a byte when the time passes without one.
 LineChannel::Arrival LineChannel::ReceiveWithin(Milliseconds limit, std::span<char> buffer,
                                                 std::size_t& count) {
     count = 0;
@@ -149,7 +150,7 @@ LineChannel::Arrival LineChannel::ReceiveWithin(Milliseconds limit, std::span<ch
     const SocketStatus status = m_connection.WaitReadable(pending ? Milliseconds{0} : limit);
     if (status == SocketStatus::Failed) return ArrivalOf(status);
     const bool readable = status == SocketStatus::Done;
-    return readable || pending ? Receive(readable, buffer, count) : Arrival::Bytes;
+    return readable || pending ? Receive(readable, buffer, count) : Arrival::Nothing;
 }
 
 LineChannel::Arrival LineChannel::Receive(bool readable, std::span<char> buffer,
@@ -164,6 +165,8 @@ LineChannel::Arrival LineChannel::Receive(bool readable, std::span<char> buffer,
 
 LineChannel::Arrival LineChannel::ArrivalOf(SocketStatus status) {
     switch (status) {
+        case SocketStatus::TimedOut:
+            return Arrival::Nothing;
         case SocketStatus::Closed:
             return Arrival::Closed;
         case SocketStatus::Failed:

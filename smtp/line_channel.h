@@ -48,7 +48,8 @@ public:
     int replyCode() const { return m_replyCode; }
 
 private:
-    enum class Arrival { Bytes, Closed, Failed };
+    // Bytes may be none, of a TLS record that isn't whole yet.
+    enum class Arrival { Nothing, Bytes, Closed, Failed };
 
     int Drain(std::string_view command);
     int Send(std::string_view command, Milliseconds limit);

@@ -118,22 +118,38 @@ void SocketConnection::Close() {
     WSASetLastError(0);
 }
 
+SocketStatus SocketConnection::Look() {
+    return Look(Clock::now());
+}
+
+SocketStatus SocketConnection::Look(Clock::time_point now) {
+    if (m_sinceLook.elapsed(now) < kLookInterval) {
+        return SocketStatus::Done;
+    }
+    m_sinceLook = Stopwatch(now);
+    if (!IsInterrupted()) {
+        return SocketStatus::Done;
+    }
+    m_wasInterrupted = true;
+    return Fail(WSAEINTR);
+}
+
 // Takes steps of waiting until one of them ends in something else than TimedOut, until the limit
 // has passed, or until it is interrupted. Everything that blocks a session comes through here.
 template <typename Step>
 SocketStatus SocketConnection::WaitInSteps(Milliseconds limit, const Step& step) {
-    const Stopwatch watch;
+    auto now = Clock::now();  // once for each step: most waits are over at once
+    const Stopwatch watch(now);
     for (;;) {
-        if (m_sinceLook.elapsed() >= kLookInterval) {
-            m_sinceLook = Stopwatch();
-            if (IsInterrupted()) {
-                m_wasInterrupted = true;
-                return Fail(WSAEINTR);
-            }
+        if (Look(now) == SocketStatus::Failed) {
+            return SocketStatus::Failed;
         }
-        const SocketStatus status =
-            step(std::clamp(limit - watch.elapsed(), Milliseconds{0}, kWaitStep));
-        if (status != SocketStatus::TimedOut || watch.elapsed() >= limit) {
+        const SocketStatus status = step(std::min(limit - watch.elapsed(now), kWaitStep));
+        if (status != SocketStatus::TimedOut) {
+            return status;
+        }
+        now = Clock::now();
+        if (watch.elapsed(now) >= limit) {
             return status;
         }
     }

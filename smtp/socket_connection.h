@@ -86,16 +86,20 @@ public:
 
     // Number of the error of the last operation that Failed.
     int error() const { return m_error; }
-    // What the interrupt function says now, and whether it has ended a wait since the last Close.
+    // Asks for an interruption, as every wait does, unless that was done a moment ago: Done, or
+    // Failed when there is one.
+    SocketStatus Look();
     // Asks for an interruption no sooner than after the usual time: what can be done at once is
     // done.
     void PostponeLook() { m_sinceLook = Stopwatch(); }
+    // What the interrupt function says now, and whether it has ended a wait since the last Close.
     bool IsInterrupted() const { return m_isInterrupted && m_isInterrupted(); }
     bool wasInterrupted() const { return m_wasInterrupted; }
 
 private:
     template <typename Step>
     SocketStatus WaitInSteps(Milliseconds limit, const Step& step);
+    SocketStatus Look(Clock::time_point now);
     SocketStatus Wait(SHORT events, Milliseconds limit);
     SocketStatus Poll(SHORT events, Milliseconds time);
     SocketStatus Receive(std::span<char> buffer, std::size_t& count, int flags);

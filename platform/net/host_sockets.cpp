@@ -168,11 +168,12 @@ int Poll(std::span<PollEntry> entries, int timeout) {
         system[i].events = static_cast<short>((entries[i].wantsRead ? POLLIN : 0) |
                                               (entries[i].wantsWrite ? POLLOUT : 0));
     }
-    const auto end = steady_clock::now() + milliseconds(timeout);
+    const auto end =
+        timeout > 0 ? steady_clock::now() + milliseconds(timeout) : steady_clock::time_point();
     int left = timeout;
     const int ready = Complete([&] {
         const int result = poll(system.data(), system.size(), left);
-        if (result < 0 && timeout >= 0) {
+        if (result < 0 && timeout > 0) {
             // Rounded up, so that the wait never ends early.
             const auto rest = std::chrono::ceil<milliseconds>(end - steady_clock::now());
             left = rest.count() > 0 ? static_cast<int>(rest.count()) : 0;

@@ -1,9 +1,12 @@
 #include "automation/wide_string.h"
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <cstdint>
+#include <cstring>
 #include <stdexcept>
+#include <type_traits>
 
 namespace quorvane {
 namespace {
@@ -18,13 +21,31 @@ int ConversionLength(std::size_t size) {
 constexpr std::size_t kBlock = 8;
 
 // ASCII is the same in every code page that can be a thread's; most texts are nothing else.
-bool IsAscii(WideView text) {
+template <class Character>
+bool IsAscii(std::basic_string_view<Character> text) {
+    using Unsigned = std::make_unsigned_t<Character>;
     unsigned all = 0;
     for (; text.size() >= kBlock; text.remove_prefix(kBlock)) {
-        for (std::size_t i = 0; i < kBlock; ++i) all |= text[i];
+        for (std::size_t i = 0; i < kBlock; ++i) all |= static_cast<Unsigned>(text[i]);
     }
-    for (const WCHAR c : text) all |= c;
+    for (const Character c : text) all |= static_cast<Unsigned>(c);
     return all < 0x80;
+}
+
+// Puts each unit of the text there, made narrower or wider.
+template <class From, class To>
+void CopyUnits(std::basic_string_view<From> text, To* to) {
+    const auto convert = [](From c) {
+        return static_cast<To>(static_cast<std::make_unsigned_t<From>>(c));
+    };
+    for (; text.size() >= kBlock; text.remove_prefix(kBlock)) {
+        // By way of units that overlap nothing, which lets this be vector instructions.
+        std::array<To, kBlock> units;
+        for (std::size_t i = 0; i < kBlock; ++i) units[i] = convert(text[i]);
+        std::memcpy(to, units.data(), sizeof(units));
+        to += kBlock;
+    }
+    for (const From c : text) *to++ = convert(c);
 }
 
 void AppendNarrow(UINT codePage, WideView text, std::string& out) {
@@ -52,13 +73,20 @@ std::string Narrow(UINT codePage, WideView text) {
     return out;
 }
 
-WideString Widen(UINT codePage, std::string_view bytes) {
-    WideString out;
-    if (bytes.empty()) return out;
+void AssignWide(UINT codePage, std::string_view bytes, WideString& out) {
+    if (IsAscii(bytes)) {
+        out.resize(bytes.size());
+        return CopyUnits(bytes, out.data());
+    }
     const int size = ConversionLength(bytes.size());
     const int units = MultiByteToWideChar(codePage, 0, bytes.data(), size, nullptr, 0);
     out.resize(static_cast<std::size_t>(std::max(units, 0)));
     MultiByteToWideChar(codePage, 0, bytes.data(), size, out.data(), units);
+}
+
+WideString Widen(UINT codePage, std::string_view bytes) {
+    WideString out;
+    AssignWide(codePage, bytes, out);
     return out;
 }
 
@@ -99,6 +127,10 @@ WideString FromAnsi(std::string_view bytes) {
     return Widen(CP_THREAD_ACP, bytes);
 }
 
+void AssignAnsi(std::string_view bytes, WideString& out) {
+    AssignWide(CP_THREAD_ACP, bytes, out);
+}
+
 std::string ToUtf8(WideView text) {
     return Narrow(CP_UTF8, text);
 }
@@ -109,20 +141,14 @@ WideString FromUtf8(std::string_view bytes) {
 
 WideString WidenBytes(std::string_view bytes) {
     WideString out(bytes.size(), WCHAR(0));
-    std::transform(bytes.begin(), bytes.end(), out.begin(),
-                   [](char c) { return static_cast<WCHAR>(static_cast<unsigned char>(c)); });
+    CopyUnits(bytes, out.data());
     return out;
 }
 
 void AppendLowBytes(WideView text, std::string& out) {
     const std::size_t start = out.size();
     out.resize(start + text.size());
-    char* to = out.data() + start;
-    for (; text.size() >= kBlock; text.remove_prefix(kBlock)) {
-        for (std::size_t i = 0; i < kBlock; ++i) to[i] = static_cast<char>(text[i] & 0xFF);
-        to += kBlock;
-    }
-    for (const WCHAR c : text) *to++ = static_cast<char>(c & 0xFF);
+    CopyUnits(text, out.data() + start);
 }
 
 std::string LowBytes(WideView text) {

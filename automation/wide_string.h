@@ -19,6 +19,8 @@ using WideView = std::basic_string_view<WCHAR>;
 void AppendAnsi(WideView text, std::string& out);
 std::string ToAnsi(WideView text);
 WideString FromAnsi(std::string_view bytes);
+// The same into a string that exists, whose room is used.
+void AssignAnsi(std::string_view bytes, WideString& out);
 
 // Converts to UTF-8 without a byte-order mark; an unpaired surrogate becomes U+FFFD.
 std::string ToUtf8(WideView text);

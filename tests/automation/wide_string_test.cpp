@@ -48,6 +48,27 @@ TEST(WideString, LowBytesDropTheHighHalf) {
     EXPECT_EQ(WidenBytes("\x01\xFF"), Units({1, 0xFF}));
 }
 
+// Texts are converted in blocks: something special may stand at each place of one, or behind it.
+TEST(WideString, ConvertsTextsOfEveryLength) {
+    for (std::size_t size = 0; size <= 20; ++size) {
+        for (std::size_t place = 0; place <= size; ++place) {
+            WideString text = WideString(OLESTR("abcdefghijklmnopqrst")).substr(0, size);
+            std::string bytes = std::string("abcdefghijklmnopqrst").substr(0, size);
+            if (place < size) {
+                text[place] = 0xE9;
+                bytes[place] = '\xE9';
+            }
+            EXPECT_EQ(LowBytes(text), bytes) << size;
+            EXPECT_EQ(WidenBytes(bytes), text) << size;
+            EXPECT_EQ(ToAnsi(text), bytes) << size;
+            EXPECT_EQ(FromAnsi(bytes), text) << size;
+            WideString used = OLESTR("a longer text than any of those that take its room");
+            AssignAnsi(bytes, used);
+            EXPECT_EQ(used, text) << size;
+        }
+    }
+}
+
 TEST(WideString, AutomationStringsKeepTheirLength) {
     BstrHolder text;
     ASSERT_EQ(ToBstr(WideView(OLESTR("a\0b"), 3), text.Receive()), S_OK);

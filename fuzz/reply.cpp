@@ -12,6 +12,17 @@ namespace {
 using namespace quorvane;
 using fuzzing::Require;
 
+struct Reply {
+    int code;
+    WideString text;
+};
+
+Reply Read(std::string_view received) {
+    Reply reply{ReplyCode(received), {}};
+    AssignReplyText(received, reply.text);
+    return reply;
+}
+
 struct Arrived {
     std::size_t size;  // bytes when the reply was complete
     Reply reply;
@@ -27,7 +38,7 @@ std::optional<Arrived> Receive(std::string_view bytes, NextSize nextSize) {
         buffer.Add(size);
         bytes.remove_prefix(size);
         if (IsCompleteReply(buffer.bytes())) {
-            return Arrived{buffer.bytes().size(), ParseReply(buffer.bytes())};
+            return Arrived{buffer.bytes().size(), Read(buffer.bytes())};
         }
     }
     return std::nullopt;
@@ -37,7 +48,7 @@ void CheckReply(const Reply& reply) {
     Require(reply.code == -1 || (reply.code >= 1 && reply.code <= 999), "a code has three digits");
     Require(reply.text.find(WCHAR(0)) == WideString::npos, "a text holds no NUL");
     Require(TrimRight(reply.text).size() == reply.text.size(), "a text is trimmed");
-    const Reply again = ParseReply(ToAnsi(reply.text));
+    const Reply again = Read(ToAnsi(reply.text));
     Require(again.code == reply.code && again.text == reply.text, "a text reads as it did");
 }
 

@@ -85,7 +85,7 @@ int CSmtp::Authenticate(const WideString& capabilities) {
     if (m_user.empty()) {
         return 0;
     }
-    AuthOffers offers = ParseAuthOffers(capabilities);
+    AuthOffers offers = ParseAuthOffers(capabilities);  // which the next reply may overwrite
     int result = 0;
     for (int attempt = 1; attempt <= kMaxAttempts; ++attempt) {
         if (offers.ntlm && m_spa) {

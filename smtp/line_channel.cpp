@@ -131,15 +131,14 @@ int LineChannel::AwaitReply(CommandView command, long long replyTimeout) {
 // A reply that is cut off by the deadline keeps its words: they may be all that the user gets.
 int LineChannel::TakeReply(const ReplyBuffer& buffer, bool answered, CommandView command) {
     if (answered) m_replyCode = ReplyCode(buffer.bytes());
-    Reply reply = ParseReply(buffer.bytes());
-    m_replyText = std::move(reply.text);
+    AssignReplyText(buffer.bytes(), m_replyText);
     if (!answered) {
         return m_replyText.empty() ? Fail(NoReplyText(m_server, command)) : -1;
     }
     if (m_replyText.empty()) {
         return Fail(ReplyWithoutCodeText(m_server, command));
     }
-    return reply.code;
+    return m_replyCode;
 }
 
 LineChannel::Arrival LineChannel::ReceiveWithin(Milliseconds limit, std::span<char> buffer,

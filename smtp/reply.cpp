@@ -45,14 +45,13 @@ bool HoldsMoreThanReply(WideView text) {
     return !text.empty();
 }
 
-Reply ParseReply(std::string_view received) {
-    Reply reply;
-    reply.code = ReplyCode(received);
-    reply.text = FromAnsi(received);
-    reply.text.resize(TrimRight(reply.text).size());
+void AssignReplyText(std::string_view received, WideString& text) {
+    AssignAnsi(received, text);
+    text.resize(TrimRight(text).size());
     // Callers take texts as automation strings, which many of them read up to a NUL.
-    std::replace(reply.text.begin(), reply.text.end(), WCHAR(0), WCHAR('?'));
-    return reply;
+    if (received.find('\0') != std::string_view::npos) {
+        std::replace(text.begin(), text.end(), WCHAR(0), WCHAR('?'));
+    }
 }
 
 }  // namespace quorvane

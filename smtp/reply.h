@@ -24,13 +24,9 @@ bool IsCompleteReply(std::string_view received);
 // The code of the first line, 1 to 999; -1 when the bytes don't begin with one.
 int ReplyCode(std::string_view received);
 
-struct Reply {
-    int code = -1;  // see ReplyCode
-    // All lines as they came, in the ANSI code page, without trailing white space. NULs show as
-    // '?'.
-    WideString text;
-};
-Reply ParseReply(std::string_view received);
+// Replaces the text with all lines as they came, which are in the ANSI code page, without trailing
+// white space. NULs show as '?'.
+void AssignReplyText(std::string_view received, WideString& text);
 
 // True when there is something behind the last line of the reply that the text begins with.
 bool HoldsMoreThanReply(WideView text);

@@ -140,7 +140,7 @@ int CSmtp::PeekGreeting() {
     }
     switch (status) {
         case SocketStatus::Done:
-            return ParseReply({bytes.data(), count}).code;
+            return ReplyCode({bytes.data(), count});
         case SocketStatus::TimedOut:
             return 0;
         case SocketStatus::Closed:
@@ -155,21 +155,21 @@ int CSmtp::Hello(TlsMode mode) {
         return reply;
     }
     m_greeted = true;
-    WideString capabilities = m_replyText;
     if (mode != TlsNone && !m_secureChannel.active()) {
-        // Not offered or refused: carry on in clear.
+        const WideString capabilities = m_replyText;
         const int result = StartTls(capabilities);
         if (result == -1) {
             return -1;
         }
-        if (result == 0) {
-            if (const int reply = SayHello()) {
-                return reply;
-            }
-            capabilities = m_replyText;
+        if (result != 0) {
+            // Not offered or refused: carry on in clear, as the server said it can be done.
+            return m_esmtp ? Authenticate(capabilities) : 0;
+        }
+        if (const int reply = SayHello()) {
+            return reply;
         }
     }
-    return m_esmtp ? Authenticate(capabilities) : 0;
+    return m_esmtp ? Authenticate(m_replyText) : 0;
 }
 
 // EHLO, and HELO for a server that doesn't know it: the same line with two letters exchanged.

@@ -139,10 +139,11 @@ TEST(Reply, HasTheCodeOfItsFirstLineAndAllWords) {
         {"550 a\0b\r\n"s, 550, OLESTR("550 a?b")},
     };
     for (const auto& c : cases) {
-        const Reply reply = ParseReply(c.bytes);
-        EXPECT_EQ(reply.code, c.code) << c.bytes;
+        EXPECT_EQ(ReplyCode(c.bytes), c.code) << c.bytes;
+        WideString text = OLESTR("of the reply before, which was longer than this one");
+        AssignReplyText(c.bytes, text);
         if (!c.text.empty() || c.bytes.find_first_not_of(" \r\n") == std::string::npos) {
-            EXPECT_EQ(reply.text, c.text);
+            EXPECT_EQ(text, c.text);
         }
     }
 }

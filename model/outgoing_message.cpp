@@ -69,13 +69,15 @@ COutgoingMessage::COutgoingMessage() : utcOffset(LocalUtcOffset()) {
 void PrepareOutgoingMessage(const CMailMessage& source, COutgoingMessage& record) {
     const MessageContent& message = source.content();
     // All the room that is needed comes first: a message goes out whole or not at all.
-    record.headers.Reserve(message.headers.size() + 1);
+    const bool wantsReceipt =
+        message.readReceipt != VARIANT_FALSE && !message.sender.address.empty();
+    record.headers.Reserve(message.headers.size() + (wantsReceipt ? 1 : 0));
     record.bodyParts.reserve(2);
     record.to.reserve(message.to.size());
     record.cc.reserve(message.cc.size());
     record.bcc.reserve(message.bcc.size());
     record.attachments.reserve(message.attachments.size());
-    if (message.readReceipt != VARIANT_FALSE && !message.sender.address.empty()) {
+    if (wantsReceipt) {
         record.headers.Append("Disposition-Notification-To",
                               [&](std::string& out) { AppendAnsi(message.sender.address, out); });
     }

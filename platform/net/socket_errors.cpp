@@ -2,12 +2,16 @@
 
 #include <winsock2.h>
 
+#include <array>
 #include <cerrno>
+#include <cstddef>
 
 namespace quorvane::winsock {
 namespace {
 
 thread_local int t_lastError = 0;
+
+constexpr int kHostErrors = 200;  // they are below
 
 struct ErrorPair {
     int host;
@@ -50,13 +54,20 @@ constexpr ErrorPair kErrors[] = {
     {EHOSTUNREACH, WSAEHOSTUNREACH},
 };
 
+// By the host's error: nearly every wait asks for one.
+constexpr auto kWindowsErrors = [] {
+    std::array<short, kHostErrors> errors{};
+    errors.fill(WSAEINVAL);
+    for (const ErrorPair& pair : kErrors)
+        errors[static_cast<std::size_t>(pair.host)] = pair.windows;
+    return errors;
+}();
+
 }  // namespace
 
 int SocketError(int hostError) {
-    for (const ErrorPair& pair : kErrors) {
-        if (pair.host == hostError) return pair.windows;
-    }
-    return WSAEINVAL;
+    const auto index = static_cast<std::size_t>(hostError);
+    return index < kWindowsErrors.size() ? kWindowsErrors[index] : WSAEINVAL;
 }
 
 int WSAGetLastError() {

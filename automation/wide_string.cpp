@@ -157,8 +157,8 @@ std::string LowBytes(WideView text) {
     return out;
 }
 
-WideString FromBstr(BSTR text) {
-    return text ? WideString(text) : WideString();
+WideView BstrView(BSTR text) {
+    return text ? WideView(text) : WideView();
 }
 
 HRESULT ToBstr(WideView text, BSTR* out) {

@@ -33,8 +33,12 @@ WideString WidenBytes(std::string_view bytes);
 void AppendLowBytes(WideView text, std::string& out);
 std::string LowBytes(WideView text);
 
-// The text of an automation string up to its first NUL; a null string is empty.
-WideString FromBstr(BSTR text);
+// The text of an automation string up to its first NUL; a null string is empty. The view lasts as
+// long as the string.
+WideView BstrView(BSTR text);
+inline WideString FromBstr(BSTR text) {
+    return WideString(BstrView(text));
+}
 // Gives *out a new automation string with a copy of the text, embedded NULs included, which the
 // caller owns. E_OUTOFMEMORY when it can't be allocated; E_INVALIDARG for a null out.
 HRESULT ToBstr(WideView text, BSTR* out);

@@ -84,7 +84,7 @@ STDMETHODIMP CSmtpMail::SimpleSendAttachment(BSTR from, BSTR to, BSTR subject, B
         COutgoingMessage message;
         const WideString text = FromBstr(body);
         SetSimpleBody(message, FromBstr(subject), text, IsHtmlBody(text));
-        ParseAddressText(FromBstr(from), message.sender);
+        ParseAddressText(BstrView(from), message.sender);
         AddRecipientList(message, FromBstr(to));
         AddAttachmentList(message, FromBstr(attachments));
         return SendCore(message, true, errorMessage, errorCode);
@@ -106,7 +106,7 @@ STDMETHODIMP CSmtpMail::SimpleSendHTML(BSTR from, BSTR to, BSTR subject, BSTR fi
         COutgoingMessage message;
         const WideString html = ImportHtmlFile(FromBstr(filename), message.attachments);
         SetSimpleBody(message, FromBstr(subject), html, true);
-        ParseAddressText(FromBstr(from), message.sender);
+        ParseAddressText(BstrView(from), message.sender);
         AddRecipientList(message, FromBstr(to));
         return SendCore(message, true, errorMessage, errorCode);
     });

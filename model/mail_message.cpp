@@ -19,7 +19,7 @@ HRESULT ReadAddress(IMailAddress* object, CAddressEntry& entry) {
     HRESULT hr = object->get_Address(address.Receive());
     if (SUCCEEDED(hr)) hr = object->get_Name(name.Receive());
     if (FAILED(hr)) return hr;
-    entry = MakeAddressEntry(FromBstr(address.Get()), FromBstr(name.Get()));
+    entry = MakeAddressEntry(BstrView(address.Get()), BstrView(name.Get()));
     return S_OK;
 }
 
@@ -77,7 +77,7 @@ HRESULT Clear(std::vector<Element>& list) noexcept {
 
 // A header text as it is kept: 8-bit, without white space at the ends.
 std::string HeaderText(BSTR text) {
-    const std::string bytes = ToAnsi(FromBstr(text));
+    const std::string bytes = ToAnsi(BstrView(text));
     return std::string(Trim(bytes));
 }
 

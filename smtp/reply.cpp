@@ -28,8 +28,10 @@ bool IsCompleteReply(std::string_view received) {
     if (end == std::string_view::npos || end <= kCodeLength) {
         return false;
     }
-    // The search starts before the line end's own two bytes.
-    const std::size_t previous = received.rfind('\n', end - 2);
+    // Most replies have one line. The search for another starts before the line end's own two
+    // bytes.
+    const std::size_t previous =
+        received.find('\n') == end ? std::string_view::npos : received.rfind('\n', end - 2);
     const std::size_t start = previous == std::string_view::npos ? 0 : previous + 1;
     const std::size_t mark = start + kCodeLength;
     return mark >= end || received[mark] != '-';

@@ -38,7 +38,7 @@ int LineChannel::Drain(std::string_view command) {
         std::size_t count = 0;
         // Nearly always nothing is there, which receiving tells as well as a wait of no time. With
         // TLS a record may be half there, and the rest to be received yet.
-        switch (m_secure.active() ? ReceiveWithin(Milliseconds{0}, discarded, count)
+        switch (m_secure.active() ? ReceiveWithin(Milliseconds{0}, Clock::now(), discarded, count)
                                   : Receive(true, discarded, count)) {
             case Arrival::Bytes:
                 break;
@@ -101,13 +101,13 @@ int LineChannel::SendPiece(std::string_view piece, std::string_view command, Mil
 int LineChannel::AwaitReply(CommandView command, long long replyTimeout) {
     ReplyBuffer buffer;
     bool answered = false;  // what the latest wait or receive brought
-    const Stopwatch watch;
-    for (auto elapsed = Milliseconds{0}; elapsed < seconds(replyTimeout);
-         elapsed = watch.elapsed()) {
+    auto now = Clock::now();
+    for (const Stopwatch watch(now); watch.elapsed(now) < seconds(replyTimeout);
+         now = Clock::now()) {
         // Whole seconds, counted down as they pass: a reply that comes in parts has up to one more.
-        const seconds limit(replyTimeout - elapsed / seconds(1));
+        const seconds limit(replyTimeout - watch.elapsed(now) / seconds(1));
         std::size_t count = 0;
-        switch (ReceiveWithin(limit, buffer.room(), count)) {
+        switch (ReceiveWithin(limit, now, buffer.room(), count)) {
             case Arrival::Nothing:
             case Arrival::Bytes:
                 break;
@@ -141,10 +141,12 @@ int LineChannel::TakeReply(const ReplyBuffer& buffer, bool answered, CommandView
     return m_replyCode;
 }
 
-LineChannel::Arrival LineChannel::ReceiveWithin(Milliseconds limit, std::span<char> buffer,
-                                                std::size_t& count) {
+LineChannel::Arrival LineChannel::ReceiveWithin(Milliseconds limit, Clock::time_point now,
+                                                std::span<char> buffer, std::size_t& count) {
     count = 0;
-    if (!m_secure.active()) return ArrivalOf(m_connection.ReceiveWithin(limit, buffer, count));
+    if (!m_secure.active()) {
+        return ArrivalOf(m_connection.ReceiveWithin(limit, now, buffer, count));
+    }
     const bool pending = m_secure.pending();
     const SocketStatus status = m_connection.WaitReadable(pending ? Milliseconds{0} : limit);
     if (status == SocketStatus::Failed) return ArrivalOf(status);

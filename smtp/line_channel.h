@@ -56,7 +56,8 @@ private:
     int SendPiece(std::string_view piece, std::string_view command, Milliseconds limit);
     int AwaitReply(CommandView command, long long replyTimeout);
     int TakeReply(const ReplyBuffer& buffer, bool answered, CommandView command);
-    Arrival ReceiveWithin(Milliseconds limit, std::span<char> buffer, std::size_t& count);
+    Arrival ReceiveWithin(Milliseconds limit, Clock::time_point now, std::span<char> buffer,
+                          std::size_t& count);
     Arrival Receive(bool readable, std::span<char> buffer, std::size_t& count);
     Arrival ArrivalOf(SocketStatus status);
     int Fail(WideString text);

@@ -44,6 +44,8 @@ bool SecureChannel::pending() const {
 }
 
 int SecureChannel::Handshake(Milliseconds replyTimeout) {
+    // The first command follows the end of the handshake, which has no answer of its own.
+    m_connection.DelayNoSegments();
     try {
         TlsHandshake handshake(m_security, {m_connection, m_server, m_replyText}, replyTimeout);
         if (const int result = handshake.Run()) {

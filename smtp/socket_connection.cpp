@@ -20,6 +20,10 @@ constexpr USHORT kSmtpPort = 25;
 constexpr Milliseconds kWaitStep{kTimedCallLimit};
 constexpr Milliseconds kLookInterval{100};
 
+// What goes out as one segment on any usual path. A command that was answered has nothing under way
+// behind it, so the system holds no such segment back.
+constexpr std::size_t kSureSegment = 1200;
+
 // Systems give up well before (21 to 127 seconds); this only keeps a silent one from lasting.
 constexpr Milliseconds kConnectLimit{180'000};
 
@@ -78,12 +82,15 @@ SocketStatus SocketConnection::Open() {
     if (PrepareTimedCalls(m_socket) != 0) {
         return Fail();
     }
-    // Every send is a whole command or as much of the message as fits: nothing is gained by
-    // holding a segment back until the peer has acknowledged the one before.
+    m_delaysSegments = true;
+    return SocketStatus::Done;
+}
+
+void SocketConnection::DelayNoSegments() {
     const int noDelay = 1;
     setsockopt(m_socket, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&noDelay),
                sizeof noDelay);
-    return SocketStatus::Done;
+    m_delaysSegments = false;
 }
 
 SocketStatus SocketConnection::Connect(const in_addr& address, USHORT port) {
@@ -92,7 +99,7 @@ SocketStatus SocketConnection::Connect(const in_addr& address, USHORT port) {
     peer.sin_port = port;
     peer.sin_addr = address;
     bool begun = false;
-    const SocketStatus status = WaitInSteps(kConnectLimit, [&](Milliseconds time) {
+    const SocketStatus status = WaitInSteps(kConnectLimit, Clock::now(), [&](Milliseconds time) {
         if (!std::exchange(begun, true)) {
             if (ConnectInTime(m_socket, peer) == 0) {
                 return SocketStatus::Done;
@@ -137,8 +144,9 @@ SocketStatus SocketConnection::Look(Clock::time_point now) {
 // Takes steps of waiting until one of them ends in something else than TimedOut, until the limit
 // has passed, or until it is interrupted. Everything that blocks a session comes through here.
 template <typename Step>
-SocketStatus SocketConnection::WaitInSteps(Milliseconds limit, const Step& step) {
-    auto now = Clock::now();  // once for each step: most waits are over at once
+SocketStatus SocketConnection::WaitInSteps(Milliseconds limit, Clock::time_point now,
+                                           const Step& step) {
+    // The clock is looked at once for each step: most waits are over at once.
     const Stopwatch watch(now);
     for (;;) {
         if (Look(now) == SocketStatus::Failed) {
@@ -156,7 +164,7 @@ SocketStatus SocketConnection::WaitInSteps(Milliseconds limit, const Step& step)
 }
 
 SocketStatus SocketConnection::Wait(SHORT events, Milliseconds limit) {
-    return WaitInSteps(limit, [&](Milliseconds time) { return Poll(events, time); });
+    return WaitInSteps(limit, Clock::now(), [&](Milliseconds time) { return Poll(events, time); });
 }
 
 SocketStatus SocketConnection::Poll(SHORT events, Milliseconds time) {
@@ -171,15 +179,15 @@ SocketStatus SocketConnection::Poll(SHORT events, Milliseconds time) {
 }
 
 SocketStatus SocketConnection::Pause(Milliseconds time) {
-    return WaitInSteps(time, [](Milliseconds step) {
+    return WaitInSteps(time, Clock::now(), [](Milliseconds step) {
         std::this_thread::sleep_for(step);
         return SocketStatus::TimedOut;
     });
 }
 
-SocketStatus SocketConnection::ReceiveWithin(Milliseconds limit, std::span<char> buffer,
-                                             std::size_t& count) {
-    return WaitInSteps(limit, [&](Milliseconds time) {
+SocketStatus SocketConnection::ReceiveWithin(Milliseconds limit, Clock::time_point now,
+                                             std::span<char> buffer, std::size_t& count) {
+    return WaitInSteps(limit, now, [&](Milliseconds time) {
         return Take(
             ReceiveInTime(m_socket, buffer.data(), SizeOf(buffer), static_cast<int>(time.count())),
             count);
@@ -204,6 +212,9 @@ SocketStatus SocketConnection::Take(int received, std::size_t& count) {
 }
 
 SocketStatus SocketConnection::Send(std::string_view bytes, Milliseconds limit) {
+    if (m_delaysSegments && bytes.size() > kSureSegment) {
+        DelayNoSegments();
+    }
     while (!bytes.empty()) {
         const int sent = SendAtOnce(m_socket, bytes.data(), static_cast<int>(bytes.size()));
         if (sent >= 0) {

@@ -70,13 +70,19 @@ public:
     SocketStatus Receive(std::span<char> buffer, std::size_t& count) {
         return Receive(buffer, count, 0);
     }
-    // The same after a wait of at most that long.
-    SocketStatus ReceiveWithin(Milliseconds limit, std::span<char> buffer, std::size_t& count);
+    // The same after a wait of at most that long, counted from `now`, a look at the clock that the
+    // caller has just had.
+    SocketStatus ReceiveWithin(Milliseconds limit, Clock::time_point now, std::span<char> buffer,
+                               std::size_t& count);
     // As Receive, but leaves the bytes to be received again.
     SocketStatus Peek(std::span<char> buffer, std::size_t& count) {
         return Receive(buffer, count, MSG_PEEK);
     }
 
+    // Has the system hold no segment back until the peer has acknowledged the one before it (RFC
+    // 9293 section 3.7.4). Send does it for what takes more than one segment, the end of which
+    // would wait; whoever sends several times without a reply in between calls it first.
+    void DelayNoSegments();
     // Sends all bytes, at most 2 GiB: Done, Failed, or TimedOut when the peer took none of them for
     // as long as the limit.
     SocketStatus Send(std::string_view bytes, Milliseconds limit);
@@ -98,7 +104,7 @@ public:
 
 private:
     template <typename Step>
-    SocketStatus WaitInSteps(Milliseconds limit, const Step& step);
+    SocketStatus WaitInSteps(Milliseconds limit, Clock::time_point now, const Step& step);
     SocketStatus Look(Clock::time_point now);
     SocketStatus Wait(SHORT events, Milliseconds limit);
     SocketStatus Poll(SHORT events, Milliseconds time);
@@ -111,6 +117,7 @@ private:
     InterruptFunction m_isInterrupted;
     SOCKET m_socket = INVALID_SOCKET;
     int m_error = 0;
+    bool m_delaysSegments = true;
     bool m_wasInterrupted = false;
     Stopwatch m_sinceLook;
 };

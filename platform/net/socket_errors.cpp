@@ -56,7 +56,7 @@ constexpr ErrorPair kErrors[] = {
 
 // By the host's error: nearly every wait asks for one.
 constexpr auto kWindowsErrors = [] {
-    std::array<short, kHostErrors> errors{};
+    std::array<int, kHostErrors> errors{};
     errors.fill(WSAEINVAL);
     for (const ErrorPair& pair : kErrors)
         errors[static_cast<std::size_t>(pair.host)] = pair.windows;

@@ -6,6 +6,8 @@
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -51,26 +53,46 @@ TEST(StopSignal, ReleaseDoesNotWaitForACall) {
     EXPECT_FALSE(signal.CallBegins()) << "nobody is called any more";
 }
 
+// How often something has happened, for those who wait for it.
+class Occurrences {
+public:
+    void Add() {
+        const std::lock_guard lock(mutex_);
+        ++number_;
+        changed_.notify_all();
+    }
+    void WaitFor(int number) {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [&] { return number_ >= number; });
+    }
+    int number() {
+        const std::lock_guard lock(mutex_);
+        return number_;
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    int number_ = 0;
+};
+
 TEST(Pace, AThreadWithoutWorkLooksOnceForEachRing) {
     StopSignal signal;
-    std::atomic<int> looks = 0;
+    Occurrences looks;
     std::thread thread([&] {
         Pace pace(signal, Work::Events, std::chrono::milliseconds(1));
-        for (bool idle = false; pace.NextLook(idle); idle = true) {
-            ++looks;
-            looks.notify_one();
-        }
+        for (bool idle = false; pace.NextLook(idle); idle = true) looks.Add();
     });
     for (int expected = 1; expected <= 4; ++expected) {
-        for (int seen = 0; (seen = looks) < expected;) looks.wait(seen);
+        looks.WaitFor(expected);
         std::this_thread::sleep_for(std::chrono::milliseconds(20));  // for looks that are too many
-        EXPECT_EQ(looks, expected);
+        EXPECT_EQ(looks.number(), expected);
         signal.Ring(Work::Messages);  // somebody else's
         if (expected < 4) signal.Ring(Work::Events);
     }
     signal.Send();
     thread.join();
-    EXPECT_EQ(looks, 4);
+    EXPECT_EQ(looks.number(), 4);
 }
 
 TEST(Pace, WorkIsLookedForNoSoonerThanIsUsual) {

@@ -8,19 +8,17 @@
 #include <io.h>
 
 #include <chrono>
-#include <condition_variable>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "automation/wide_string.h"
 #include "tests/scripts/host/console.h"
 #include "tests/scripts/host/script_engine.h"
+#include "tests/support/time_limit/time_limit.h"
 
 namespace scripthost {
 namespace {
@@ -50,25 +48,6 @@ std::optional<CommandLine> Parse(const std::vector<std::wstring>& words) {
     line.arguments.assign(words.begin() + static_cast<std::ptrdiff_t>(next) + 1, words.end());
     return line;
 }
-
-// Ends the process when the time is up. No engine can be interrupted from outside, least of all
-// in a call of a component, so nothing is cleaned up.
-class Watchdog {
-public:
-    explicit Watchdog(std::chrono::seconds limit)
-        : thread_([this, limit](const std::stop_token& stop) {
-              std::unique_lock lock(mutex_);
-              condition_.wait_for(lock, stop, limit, [] { return false; });
-              if (stop.stop_requested()) return;
-              WriteLine(stderr, L"scripthost: the time is up");
-              TerminateProcess(GetCurrentProcess(), kTimeUp);
-          }) {}
-
-private:
-    std::mutex mutex_;
-    std::condition_variable_any condition_;
-    std::jthread thread_;
-};
 
 class Apartment {
 public:
@@ -123,7 +102,10 @@ int wmain(int argc, wchar_t** argv) {
             L"usage: scripthost [-t seconds] [-i library]... file.js|file.vbs [argument...]");
         return scripthost::kWrongUse;
     }
-    std::optional<scripthost::Watchdog> watchdog;
-    if (line->seconds) watchdog.emplace(std::chrono::seconds(*line->seconds));
+    // No engine can be interrupted from outside, least of all in a call of a component.
+    if (line->seconds) {
+        LimitTime(std::chrono::seconds(*line->seconds), "scripthost: the time is up\n",
+                  scripthost::kTimeUp);
+    }
     return scripthost::RunAll(*line);
 }

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdint>
+#include <new>
 #include <span>
 
 #include "mime/base64.h"
@@ -62,16 +64,29 @@ std::string_view View(const DataBlock& data) {
     return {reinterpret_cast<const char*>(data.data()), data.size()};
 }
 
+// Another program may have the file open for a moment, or a message whose body it is.
+constexpr std::chrono::milliseconds kPatience{1000};
+
 // A part with data has no use for its file.
-FileReader OpenFile(const CAttachmentPart& part) {
-    return part.data.empty() ? FileReader(part.file, FILE_SHARE_READ) : FileReader();
+FileReader OpenFile(const CAttachmentPart& part, std::chrono::milliseconds patience) {
+    return part.data.empty() ? FileReader(part.file, FILE_SHARE_READ, patience) : FileReader();
+}
+
+// False when it can't be opened or read, or there is no memory for its bytes.
+bool ReadBodyFile(const WideString& path, std::string& bytes) {
+    FileReader file(path, 0, kPatience);
+    try {
+        return file.ReadAll(bytes);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
 }
 
 }  // namespace
 
 BodyContent::BodyContent(const CBodyPart& part) : part_(part) {
     if (!part.file.empty()) {
-        if (!FileReader(part.file, 0).ReadAll(bytes_)) return;
+        if (!ReadBodyFile(part.file, bytes_)) return;
     } else if (IsLineEncoding(part.encoding)) {
         converts_ = true;
     } else {
@@ -108,7 +123,7 @@ void BodyContent::AppendText(std::string& out) const {
 }
 
 AttachmentContent::AttachmentContent(const CAttachmentPart& part)
-    : file_(OpenFile(part)), bytes_(View(part.data)), encoding_(part.encoding) {
+    : file_(OpenFile(part, kPatience)), bytes_(View(part.data)), encoding_(part.encoding) {
     const bool streamed = bytes_.empty() && encoding_ == EncodingBase64;
     if (streamed) {
         present_ = file_.IsOpen() && file_.Size() > 0;
@@ -146,7 +161,7 @@ std::size_t AttachmentSizeEstimate(const CAttachmentPart& part) {
     if (part.encoding == EncodingQuotedPrintable && !part.data.empty()) {
         return EncodedSizeEstimate(View(part.data), part.encoding);
     }
-    const std::size_t size = part.data.empty() ? OpenFile(part).Size() : part.data.size();
+    const std::size_t size = part.data.empty() ? OpenFile(part, {}).Size() : part.data.size();
     return Base64LinesSize(size);
 }
 

@@ -4,9 +4,13 @@
 #include <gtest/gtest.h>
 #include <winreg.h>
 
+#include <atomic>
+#include <chrono>
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <thread>
+#include <vector>
 
 #include "mime/base64.h"
 #include "tests/mime/composing.h"
@@ -329,6 +333,33 @@ TEST(Composer, FilesInUseElsewhere) {
     other = open(0);
     EXPECT_EQ(FileAttachment(path, 4), "");
     CloseHandle(other);
+    EXPECT_THAT(BodyWithFile(path), HasSubstr("content"));
+}
+
+// Nobody in this process shuts out anybody else, and others only for as long as they need.
+TEST(Composer, FilesInUseForAMoment) {
+    constexpr int kThreads = 4;
+    constexpr int kMessages = 100;
+    const TempFolder folder;
+    const WideString path = folder.Write("file", "content");
+    std::atomic<int> whole = 0;
+    const auto compose = [&](int thread) {
+        for (int message = 0; message < kMessages; ++message) {
+            const std::string text = thread == 0 ? FileAttachment(path, 1) : BodyWithFile(path);
+            if (text.find("content") != std::string::npos) ++whole;
+        }
+    };
+    {
+        std::vector<std::jthread> threads;
+        for (int thread = 0; thread < kThreads; ++thread) threads.emplace_back(compose, thread);
+    }
+    EXPECT_EQ(whole, kThreads * kMessages);
+    const HANDLE other =
+        CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    const std::jthread closer([other] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        CloseHandle(other);
+    });
     EXPECT_THAT(BodyWithFile(path), HasSubstr("content"));
 }
 

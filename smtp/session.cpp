@@ -319,8 +319,9 @@ void CSmtp::Close() {
         } catch (const std::bad_alloc&) {
             // What has been sent stays sent, whether or not there is memory for the farewell.
         }
-        m_connection.Close();
     }
+    // A connection without a socket, too: it may still know of an interruption.
+    m_connection.Close();
     m_secureChannel.Release();
 }
 

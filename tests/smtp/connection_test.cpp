@@ -8,6 +8,7 @@
 #include <string>
 #include <thread>
 
+#include "smtp/session.h"
 #include "smtp/token_exchange.h"
 #include "tests/servers/loopback.h"
 
@@ -138,6 +139,16 @@ TEST(SocketConnection, IsInterruptedBeforeItConnects) {
     EXPECT_EQ(connection.Connect(address, listener.port()), SocketStatus::Failed);
     EXPECT_TRUE(connection.wasInterrupted());
     EXPECT_FALSE(listener.WaitForConnection(0));
+}
+
+TEST(Session, ForgetsAnInterruptionWithItsConnection) {
+    const LoopbackListener refusing(false);
+    int askedBefore = 1;  // as an operation begins
+    CSmtp session([&] { return askedBefore-- <= 0; });
+    session.m_port = refusing.port();
+    EXPECT_EQ(session.Connect(OLESTR("127.0.0.1"), TlsNone), -2) << "before the second attempt";
+    askedBefore = 1000;
+    EXPECT_EQ(session.Connect(WideString(300, 'a'), TlsNone), -1) << "no socket was opened";
 }
 
 TEST(ResolveServer, TakesAddressesAndNames) {

@@ -13,14 +13,17 @@ void ClearOutcome(BSTR* errorMessage, LONG* errorCode) {
     if (errorCode) *errorCode = 0;
 }
 
-// Calls a plain method with the text of the VARIANT as its error message.
+// Calls a plain method with the text of the VARIANT as its error message. What the VARIANT held may
+// be an argument of the call as well, so it lives as long.
 template <class Plain>
 HRESULT Scriptable(VARIANT* errorMessage, Plain&& plain) noexcept {
     if (!errorMessage) return E_INVALIDARG;
-    VariantClear(errorMessage);
+    VARIANT before = *errorMessage;
     errorMessage->vt = VT_BSTR;
     errorMessage->bstrVal = nullptr;
-    return plain(&errorMessage->bstrVal);
+    const HRESULT hr = plain(&errorMessage->bstrVal);
+    VariantClear(&before);
+    return hr;
 }
 
 }  // namespace

@@ -35,7 +35,7 @@ const Bstr kSubject(OLESTR("Hi"));
 const Bstr kBody(OLESTR("Hello"));
 
 TEST_F(SimpleSends, DeliverThroughTheServerAndGiveItsOutcome) {
-    testing::ScriptedPeer peer(std::vector(4, RefusingServer()), testing::Delivery::Whole);
+    testing::ScriptedPeer peer(std::vector(5, RefusingServer()), testing::Delivery::Whole);
     mail->put_SmtpServer(Bstr(OLESTR("127.0.0.1")));
     mail->put_SmtpPort(ntohs(peer.port()));
     mail->put_SenderHostname(Bstr(OLESTR("client.test")));
@@ -55,9 +55,16 @@ TEST_F(SimpleSends, DeliverThroughTheServerAndGiveItsOutcome) {
     EXPECT_EQ(code, 554);
     EXPECT_EQ(FromBstr(outcome.bstrVal), OLESTR("554 no"));
     VariantClear(&outcome);
+    // What the outcome's variable holds may be one of the texts.
+    outcome.vt = VT_BSTR;
+    outcome.bstrVal = SysAllocString(OLESTR(" Ann <a@x>;; b@x ;"));
+    EXPECT_EQ(mail->SimpleSendScriptable(kFrom, outcome.bstrVal, kSubject, kBody, &outcome, &code),
+              S_FALSE);
+    EXPECT_EQ(FromBstr(outcome.bstrVal), OLESTR("554 no"));
+    VariantClear(&outcome);
     peer.Finish();
     EXPECT_THAT(peer.deviations(), ::testing::IsEmpty());
-    EXPECT_EQ(peer.connections(), 4);
+    EXPECT_EQ(peer.connections(), 5);
     EXPECT_EQ(mail->GetLastErrorCode(&code), S_OK);
     EXPECT_EQ(code, 554);
 }

@@ -44,6 +44,8 @@ public:
         ComPtr<ITypeInfo> info;
         const HRESULT hr = GetOwnTypeInfo(__uuidof(Interface), info.Receive());
         if (FAILED(hr)) return hr;
+        // Or a failure without error information would get that of an earlier one.
+        SetErrorInfo(0, nullptr);
         return info->Invoke(static_cast<Interface*>(this), id, flags, arguments, result, exception,
                             badArgument);
     }

@@ -6,6 +6,7 @@
 
 #include "Quorvane.h"
 #include "automation/com_ptr.h"
+#include "automation/wide_string.h"
 
 namespace quorvane {
 namespace {
@@ -34,6 +35,27 @@ const Served kServed[] = {
     {"MailAddress", CLSID_MailAddress, IID_IMailAddress},
     {"MailAttachment", CLSID_MailAttachment, IID_IMailAttachment},
 };
+
+// A failure that says nothing of itself doesn't get the words of an earlier one.
+TEST_F(LibraryTest, LateBoundFailuresHaveTheirOwnErrorInformation) {
+    constexpr DISPID kAddHeader = 18;
+    ComPtr<IMailMessage> message;
+    ASSERT_EQ(Factory(CLSID_MailMessage)
+                  ->CreateInstance(nullptr, IID_IMailMessage, message.ReceiveVoid()),
+              S_OK);
+    BstrHolder text;
+    ToBstr(OLESTR("no such file"), text.Receive());
+    ASSERT_EQ(message->ImportHTML(text.Get()), E_FAIL);  // and nobody asks for its words
+    VARIANT blank[2] = {};
+    blank[0].vt = blank[1].vt = VT_BSTR;
+    DISPPARAMS arguments{blank, nullptr, 2, 0};
+    EXCEPINFO exception{};
+    EXPECT_EQ(message->Invoke(kAddHeader, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD,
+                              &arguments, nullptr, &exception, nullptr),
+              DISP_E_EXCEPTION);
+    EXPECT_EQ(exception.scode, E_INVALIDARG);
+    EXPECT_EQ(exception.bstrDescription, nullptr);
+}
 
 TEST_F(LibraryTest, MakesEveryClassWithItsInterfaces) {
     for (const Served& served : kServed) {

@@ -7,7 +7,6 @@
 
 #include "Quorvane.h"
 #include "model/file_reader.h"
-#include "model/growable.h"
 #include "model/html_references.h"
 
 namespace quorvane {
@@ -64,9 +63,10 @@ WideString InlineImages::AddInlineImage(const WideString& file) {
     if (first && !first->contentId.empty()) return OLESTR("cid:") + first->contentId;
     const std::size_t index = attachments_.size();
     const WideString contentId = ContentIdOf(index);
-    const bool isFirst = !first;
-    AppendOrDrop(attachments_, InlinePart(file, contentId));
-    if (isFirst && attachments_.size() > index) firsts_.emplace(hash, index);
+    // Not dropped for want of memory: the next picture would get its number, and stand in its
+    // place.
+    attachments_.push_back(InlinePart(file, contentId));
+    if (!first) firsts_.emplace(hash, index);
     return OLESTR("cid:") + contentId;
 }
 

@@ -224,8 +224,8 @@ STDMETHODIMP CMailMessage::AddHeader(BSTR Header, BSTR Value) {
         if (name.empty()) return E_INVALIDARG;
         const std::string value = HeaderText(Value);
         const std::size_t existing = content_.headers.Find(name);
+        content_.headers.Append(name, value);  // first: where it throws, the old one stays
         if (existing != HeaderList::npos) content_.headers.Remove(existing);
-        content_.headers.Append(name, value);
         return S_OK;
     });
 }

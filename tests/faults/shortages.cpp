@@ -1,12 +1,16 @@
 // Sends a message again and again while one allocation after the other fails, then one system call
-// after the other, and checks that each outcome is the true one, that the object goes on to work,
-// and that nothing is left behind. Exit status 0 when all of that holds.
+// after the other, imports an HTML file in the same way, and checks that each outcome is the true
+// one, that the object goes on to work, and that nothing is left behind. Exit status 0 when all of
+// that holds.
 #include <fmt/format.h>
 
 #include <array>
 #include <cerrno>
+#include <new>
 #include <string>
+#include <vector>
 
+#include "model/html_import.h"
 #include "tests/faults/failing.h"
 #include "tests/faults/faulty_peer.h"
 #include "tests/faults/mail_client.h"
@@ -138,9 +142,37 @@ bool RunDialogue(const Dialogue& dialogue, const char* name) {
     return good;
 }
 
+// An HTML file is imported with all its pictures, or not at all.
+bool ImportHtml() {
+    const WideString html = OLESTR("<img src=\"a.png\"><img src=\"b.png\"><img src=\"c.png\">");
+    const WideString imported =
+        OLESTR("<img src=\"cid:i0000\"><img src=\"cid:i0001\"><img src=\"cid:i0002\">");
+    long at = 0;
+    int failed = 0;
+    for (bool happened = true; happened; ++at) {
+        std::vector<CAttachmentPart> parts;
+        WideString text;
+        {
+            const Failing failing(Resource::Memory, at);
+            try {
+                text = ImportHtmlText(html, OLESTR("C:\\page.html"), parts);
+            } catch (const std::bad_alloc&) {
+                ++failed;
+            }
+            happened = failing.happened();
+        }
+        if (text.empty() ? happened : text == imported && parts.size() == 3) continue;
+        fmt::print("allocation {}: an HTML file without a picture\n", at);
+        return false;
+    }
+    fmt::print("HTML import, memory: {} runs, {} failed\n", at, failed);
+    return failed > 0;
+}
+
 bool Run() {
     bool good = RunDialogue({Encryption::None, true}, "in clear");
     good &= RunDialogue({Encryption::StartTls, true}, "STARTTLS");
+    good &= ImportHtml();
     return good;
 }
 

@@ -39,6 +39,12 @@ public:
         return data;
     }
 
+    bool Has(const WCHAR* name) const {
+        return RegQueryValueExW(key_, name, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+    }
+
+    void Remove(const WCHAR* name) const { RegDeleteValueW(key_, name); }
+
     LSTATUS Set(const WCHAR* name, const WideString& data) const {
         const auto size = static_cast<DWORD>((data.size() + 1) * sizeof(WCHAR));
         return RegSetValueExW(key_, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(data.c_str()),
@@ -60,10 +66,15 @@ RegistryWriter::~RegistryWriter() {
         const RegistryEntry& before = written->before;
         if (written->isNewKey) {
             RegDeleteTreeW(HKEY_CLASSES_ROOT, before.key.c_str());
-        } else if (before.data) {
+        } else if (before.data || written->isNewValue) {
             Key key;
             bool isNew = false;
-            if (key.Create(before.key, isNew) == ERROR_SUCCESS) key.Set(before.name, *before.data);
+            if (key.Create(before.key, isNew) != ERROR_SUCCESS) continue;
+            if (before.data) {
+                key.Set(before.name, *before.data);
+            } else {
+                key.Remove(before.name);
+            }
         }
     }
 }
@@ -79,16 +90,19 @@ HRESULT RegistryWriter::Write(const RegistryEntries& entries) {
 void RegistryWriter::Protect(const WideString& key) {
     Key opened;
     if (opened.Open(key) != ERROR_SUCCESS) return;
-    written_.push_back({{key, nullptr, opened.Read(nullptr)}, false});
+    written_.push_back({.before = {key, nullptr, opened.Read(nullptr)}});
 }
 
 HRESULT RegistryWriter::Write(const RegistryEntry& entry) {
     written_.reserve(written_.size() + 1);  // what is written is never forgotten for want of memory
-    Written written{{entry.key, entry.name, {}}, false};
+    Written written{.before = {entry.key, entry.name, {}}};
     Key key;
     const LSTATUS error = key.Create(entry.key, written.isNewKey);
     if (error != ERROR_SUCCESS) return StatusOf(error);
-    if (!written.isNewKey && entry.data) written.before.data = key.Read(entry.name);
+    if (!written.isNewKey && entry.data) {
+        written.before.data = key.Read(entry.name);
+        written.isNewValue = !key.Has(entry.name);
+    }
     written_.push_back(std::move(written));
     return entry.data ? StatusOf(key.Set(entry.name, *entry.data)) : S_OK;
 }

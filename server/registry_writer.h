@@ -11,7 +11,8 @@
 namespace quorvane {
 
 // Writes entries below HKEY_CLASSES_ROOT. When it goes without Keep it takes back what it has
-// written: keys that it made are removed, values that it replaced are what they were. One thread.
+// written: keys and values that it made are removed, texts that it replaced are what they were. One
+// thread.
 class RegistryWriter {
 public:
     RegistryWriter() = default;
@@ -32,6 +33,7 @@ private:
     struct Written {
         RegistryEntry before;  // without data: nothing to restore
         bool isNewKey = false;
+        bool isNewValue = false;  // in a key that was there
     };
 
     HRESULT Write(const RegistryEntry& entry);

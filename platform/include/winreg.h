@@ -42,6 +42,7 @@ LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWOR
 // ERROR_INVALID_PARAMETER.
 LSTATUS WINAPI RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data,
                               DWORD size);
+LSTATUS WINAPI RegDeleteValueW(HKEY key, LPCWSTR name);
 // Removes the subkey with everything below it.
 // Differs from Windows: the subkey must be named; keys can't be emptied.
 LSTATUS WINAPI RegDeleteTreeW(HKEY key, LPCWSTR subKey);

@@ -171,6 +171,16 @@ LSTATUS RegSetValueExW(HKEY key, LPCWSTR name, DWORD, DWORD type, const BYTE* da
     });
 }
 
+LSTATUS RegDeleteValueW(HKEY key, LPCWSTR name) {
+    return Guarded([&]() -> LSTATUS {
+        std::u16string path;
+        if (!PathOf(key, nullptr, path)) return ERROR_INVALID_HANDLE;
+        return ChangeRegistry([&](RegistryTree& tree) {
+            return tree.RemoveValue(path, name ? name : u"") ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
+        });
+    });
+}
+
 LSTATUS RegDeleteTreeW(HKEY key, LPCWSTR subKey) {
     return Guarded([&]() -> LSTATUS {
         std::u16string path;

@@ -93,6 +93,15 @@ bool RegistryTree::Remove(std::u16string_view path) {
     return true;
 }
 
+bool RegistryTree::RemoveValue(std::u16string_view path, std::u16string_view name) {
+    const auto key = keys_.find(path);
+    if (key == keys_.end()) return false;
+    const auto value = key->second.find(name);
+    if (value == key->second.end()) return false;
+    key->second.erase(value);
+    return true;
+}
+
 std::string RegistryTree::Serialize() const {
     std::string text(kHeading);
     for (const auto& [path, values] : keys_) {

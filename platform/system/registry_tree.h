@@ -31,6 +31,9 @@ public:
     // Removes the key with everything below it; false when there is no such key.
     bool Remove(std::u16string_view path);
 
+    // False when there is no such value.
+    bool RemoveValue(std::u16string_view path, std::u16string_view name);
+
     // ASCII lines: a heading, then each key followed by its values.
     std::string Serialize() const;
     // Replaces the tree by what the text says; leaves it empty and returns false when the text

@@ -96,6 +96,8 @@ TEST_F(RegistrationTest, TakesBackWhatItHasWrittenWhenAWriteFails) {
         scratch.path() / std::string(200, 'x') / std::string(30, 'y');
     const LibraryCopy copy(LibraryPath(), folder);
     for (const char* root : {"AppID", "CLSID", "Interface", "TypeLib"}) MakeKey(root);
+    RegDeleteTreeW(HKEY_CLASSES_ROOT, OLESTR("AppID\\Quorvane.DLL"));
+    MakeKey("AppID\\Quorvane.DLL");  // without its value
     for (const bool isRegistered : {false, true}) {
         SCOPED_TRACE(isRegistered ? "registered from another place" : "not registered");
         if (isRegistered) {

@@ -10,17 +10,15 @@ namespace {
 
 class EventForwarder final : public Counted<AtomicCount, IDispatch> {
 public:
-    EventForwarder(ComPtr<IUnknown> sink, ComPtr<IDispatch> events)
-        : sink_(std::move(sink)), events_(std::move(events)) {}
+    explicit EventForwarder(ComPtr<IDispatch> events) : events_(std::move(events)) {}
 
     STDMETHODIMP QueryInterface(REFIID iid, void** out) override {
         if (!out) return E_POINTER;
-        if (iid != IID_IUnknown && iid != IID_IDispatch && iid != DIID__ISmtpMailEvents) {
-            return sink_->QueryInterface(iid, out);
-        }
-        *out = static_cast<IDispatch*>(this);
-        AddRef();
-        return S_OK;
+        const bool own =
+            iid == IID_IUnknown || iid == IID_IDispatch || iid == DIID__ISmtpMailEvents;
+        *out = own ? static_cast<IDispatch*>(this) : nullptr;
+        if (own) AddRef();
+        return own ? S_OK : E_NOINTERFACE;
     }
 
     STDMETHODIMP GetTypeInfoCount(UINT* count) override { return events_->GetTypeInfoCount(count); }
@@ -37,14 +35,13 @@ public:
     }
 
 private:
-    const ComPtr<IUnknown> sink_;
     const ComPtr<IDispatch> events_;
 };
 
 }  // namespace
 
-ComPtr<IDispatch> ForwardEvents(ComPtr<IUnknown> sink, ComPtr<IDispatch> events) {
-    return ComPtr<IDispatch>(new EventForwarder(std::move(sink), std::move(events)));
+ComPtr<IDispatch> ForwardEvents(ComPtr<IDispatch> events) {
+    return ComPtr<IDispatch>(new EventForwarder(std::move(events)));
 }
 
 }  // namespace quorvane

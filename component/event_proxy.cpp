@@ -51,7 +51,7 @@ HRESULT CProxy_ISmtpMailEvents::Advise(IUnknown* sink, DWORD* cookie) {
     const HRESULT hr = Guarded([&] {
         ComPtr<IDispatch> general;
         sink->QueryInterface(IID_IDispatch, general.ReceiveVoid());
-        if (general.Get() != events.Get()) events = ForwardEvents(ComPtr<IUnknown>(sink), events);
+        if (general.Get() != events.Get()) events = ForwardEvents(events);
         return Register(events.Get(), registration);
     });
     if (FAILED(hr)) return hr;

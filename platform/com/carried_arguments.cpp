@@ -8,6 +8,7 @@ namespace quorvane::platform {
 namespace {
 
 constexpr VARTYPE kVariantReference = VT_BYREF | VT_VARIANT;
+constexpr VARTYPE kByteReference = VT_BYREF | VT_UI1;
 
 // A value of its own in the object's apartment, and the argument that the object gets for it.
 struct ReceivedArgument {
@@ -89,6 +90,8 @@ HRESULT CarriedArguments::Pack(const DISPPARAMS& params) {
             (argument.source->pvarVal->vt & VT_BYREF)) {
             argument.source = argument.source->pvarVal;
         }
+        // The start of a block: its size stands in another argument, and only one byte would go.
+        if (argument.source->vt == kByteReference) return DISP_E_TYPEMISMATCH;
         VARIANT value;
         HRESULT hr = Dereference(*argument.source, value);
         if (SUCCEEDED(hr)) hr = argument.value.Pack(value);

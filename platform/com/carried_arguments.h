@@ -31,7 +31,8 @@ private:
 // them and comes back.
 class CarriedArguments {
 public:
-    // In the caller's apartment. `params` stay where they are until GiveBack.
+    // In the caller's apartment. `params` stay where they are until GiveBack. DISP_E_TYPEMISMATCH
+    // when one of them refers to a byte.
     HRESULT Pack(const DISPPARAMS& params);
     // In the object's. Null `result`, `exception` and `argumentInError` are null for it, too.
     HRESULT Invoke(IDispatch& object, DISPID member, REFIID riid, LCID lcid, WORD flags,

@@ -58,7 +58,7 @@ public:
         MakeBoundaries();
         ComposeTopHeaders();
         bodies_.reserve(message_.bodyParts.size());
-        for (const CBodyPart& part : message_.bodyParts) bodies_.emplace_back(part);
+        for (const CBodyPart& part : message_.bodyParts) bodies_.emplace_back(part, patience_);
         out_.reserve(SizeEstimate() + kTerminatorSize);
         WriteTopHeaders();
         WriteMultipartStarts();
@@ -125,7 +125,7 @@ private:
         return type += '"';
     }
 
-    std::size_t SizeEstimate() const {
+    std::size_t SizeEstimate() {
         constexpr std::size_t kFixedTexts = 512;  // of a part: field names, boundaries, line ends
         std::size_t size = kFixedTexts;
         for (std::size_t i = 0; i < message_.headers.size(); ++i) {
@@ -136,7 +136,7 @@ private:
             size += kFixedTexts + body.SizeEstimate();
         }
         for (const CAttachmentPart* part : attachments_) {
-            size += kFixedTexts + 8 * part->name.size() + AttachmentSizeEstimate(*part);
+            size += kFixedTexts + 8 * part->name.size() + AttachmentSizeEstimate(*part, patience_);
         }
         return size;
     }
@@ -213,7 +213,7 @@ private:
     }
 
     void WriteAttachment(const CAttachmentPart& part, const std::string& boundary) {
-        AttachmentContent content(part);
+        AttachmentContent content(part, patience_);
         if (!content.IsPresent()) return;
         const std::size_t start = out_.size();
         if (!boundary.empty()) WriteBoundary(boundary);
@@ -246,6 +246,7 @@ private:
     std::size_t inlineCount_ = 0;
     std::string outer_, alternative_, related_;
     std::vector<BodyContent> bodies_;
+    FilePatience patience_;
 };
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdint>
 #include <new>
 #include <span>
@@ -64,17 +63,14 @@ std::string_view View(const DataBlock& data) {
     return {reinterpret_cast<const char*>(data.data()), data.size()};
 }
 
-// Another program may have the file open for a moment, or a message whose body it is.
-constexpr std::chrono::milliseconds kPatience{1000};
-
 // A part with data has no use for its file.
-FileReader OpenFile(const CAttachmentPart& part, std::chrono::milliseconds patience) {
+FileReader OpenFile(const CAttachmentPart& part, FilePatience& patience) {
     return part.data.empty() ? FileReader(part.file, FILE_SHARE_READ, patience) : FileReader();
 }
 
 // False when it can't be opened or read, or there is no memory for its bytes.
-bool ReadBodyFile(const WideString& path, std::string& bytes) {
-    FileReader file(path, 0, kPatience);
+bool ReadBodyFile(const WideString& path, FilePatience& patience, std::string& bytes) {
+    FileReader file(path, 0, patience);
     try {
         return file.ReadAll(bytes);
     } catch (const std::bad_alloc&) {
@@ -84,9 +80,9 @@ bool ReadBodyFile(const WideString& path, std::string& bytes) {
 
 }  // namespace
 
-BodyContent::BodyContent(const CBodyPart& part) : part_(part) {
+BodyContent::BodyContent(const CBodyPart& part, FilePatience& patience) : part_(part) {
     if (!part.file.empty()) {
-        if (!ReadBodyFile(part.file, bytes_)) return;
+        if (!ReadBodyFile(part.file, patience, bytes_)) return;
     } else if (IsLineEncoding(part.encoding)) {
         converts_ = true;
     } else {
@@ -122,8 +118,8 @@ void BodyContent::AppendText(std::string& out) const {
     }
 }
 
-AttachmentContent::AttachmentContent(const CAttachmentPart& part)
-    : file_(OpenFile(part, kPatience)), bytes_(View(part.data)), encoding_(part.encoding) {
+AttachmentContent::AttachmentContent(const CAttachmentPart& part, FilePatience& patience)
+    : file_(OpenFile(part, patience)), bytes_(View(part.data)), encoding_(part.encoding) {
     const bool streamed = bytes_.empty() && encoding_ == EncodingBase64;
     if (streamed) {
         present_ = file_.IsOpen() && file_.Size() > 0;
@@ -156,12 +152,12 @@ bool AttachmentContent::AppendFile(std::string& out) {
     return true;
 }
 
-std::size_t AttachmentSizeEstimate(const CAttachmentPart& part) {
+std::size_t AttachmentSizeEstimate(const CAttachmentPart& part, FilePatience& patience) {
     // Quoted-printable is rare for attachments and Base64 takes more than unencoded text.
     if (part.encoding == EncodingQuotedPrintable && !part.data.empty()) {
         return EncodedSizeEstimate(View(part.data), part.encoding);
     }
-    const std::size_t size = part.data.empty() ? OpenFile(part, {}).Size() : part.data.size();
+    const std::size_t size = part.data.empty() ? OpenFile(part, patience).Size() : part.data.size();
     return Base64LinesSize(size);
 }
 

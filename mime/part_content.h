@@ -15,7 +15,7 @@ class BodyContent {
 public:
     // Converts the text, unless that can be done while it is encoded, or reads the part's file,
     // unconverted, which nothing else may have open.
-    explicit BodyContent(const CBodyPart& part);
+    BodyContent(const CBodyPart& part, FilePatience& patience);
 
     // 1 to 4; EncodingDefault for a file that can't be read, which has no content.
     LONG Encoding() const { return encoding_; }
@@ -36,7 +36,7 @@ private:
 class AttachmentContent {
 public:
     // Opens the file of a part without data.
-    explicit AttachmentContent(const CAttachmentPart& part);
+    AttachmentContent(const CAttachmentPart& part, FilePatience& patience);
 
     // False when there is nothing to send: the file is missing, unreadable or empty.
     bool IsPresent() const { return present_; }
@@ -56,6 +56,6 @@ private:
 };
 
 // Size of the encoded attachment, for ordinary content.
-std::size_t AttachmentSizeEstimate(const CAttachmentPart& part);
+std::size_t AttachmentSizeEstimate(const CAttachmentPart& part, FilePatience& patience);
 
 }  // namespace quorvane

@@ -1,77 +1,45 @@
 #include "model/file_reader.h"
 
 #include <algorithm>
-#include <condition_variable>
 #include <limits>
-#include <mutex>
 #include <new>
-#include <set>
 #include <thread>
 
 namespace quorvane {
 namespace {
 
-// The paths of all turns.
-class Turns {
-public:
-    void Begin(const WideString& path) {
-        std::unique_lock lock(mutex_);
-        end_.wait(lock, [&] { return !paths_.contains(path); });
-        paths_.insert(path);
-    }
-    void End(const WideString& path) {
-        {
-            const std::lock_guard lock(mutex_);
-            paths_.erase(path);
-        }
-        end_.notify_all();
-    }
-
-private:
-    std::mutex mutex_;
-    std::condition_variable end_;
-    std::set<WideString> paths_;
-};
-
-// Never destroyed: threads that the end of the process overtakes may still read.
-union Everlasting {
-    Everlasting() : turns() {}
-    ~Everlasting() {}
-    Turns turns;
-} g_everlasting;
-
-HANDLE Open(const WideString& path, DWORD shareMode) {
-    return CreateFileW(path.c_str(), GENERIC_READ, shareMode, nullptr, OPEN_EXISTING,
-                       FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
+// The file may well be there.
+bool IsShortage(DWORD error) {
+    return error == ERROR_TOO_MANY_OPEN_FILES || error == ERROR_NOT_ENOUGH_MEMORY;
 }
 
-HANDLE OpenPatiently(const WideString& path, DWORD shareMode, std::chrono::milliseconds patience) {
+HANDLE Open(const WideString& path, DWORD shareMode, FilePatience::Clock::time_point deadline) {
     constexpr std::chrono::milliseconds kPause{10};
-    const auto deadline = std::chrono::steady_clock::now() + patience;
-    HANDLE handle = Open(path, shareMode);
-    while (handle == INVALID_HANDLE_VALUE && GetLastError() == ERROR_SHARING_VIOLATION &&
-           std::chrono::steady_clock::now() < deadline) {
+    for (;;) {
+        const HANDLE handle = CreateFileW(path.c_str(), GENERIC_READ, shareMode, nullptr,
+                                          OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
+        if (handle != INVALID_HANDLE_VALUE) return handle;
+        const DWORD error = GetLastError();
+        const bool isShortage = IsShortage(error);
+        if (error != ERROR_SHARING_VIOLATION && !isShortage) return handle;
+        if (FilePatience::Clock::now() >= deadline) {
+            if (isShortage) throw std::bad_alloc();
+            return handle;
+        }
         std::this_thread::sleep_for(kPause);
-        handle = Open(path, shareMode);
     }
-    return handle;
 }
 
 }  // namespace
 
-FileTurn::FileTurn(WideString path) : path_(std::move(path)) {
-    g_everlasting.turns.Begin(path_);
-}
-
-FileTurn::~FileTurn() {
-    g_everlasting.turns.End(path_);
-}
-
-FileReader::FileReader(const WideString& path, DWORD shareMode,
-                       std::chrono::milliseconds patience) {
-    if (shareMode == 0) turn_ = std::make_unique<FileTurn>(path);
-    const HANDLE handle = OpenPatiently(path, shareMode, patience);
-    if (handle == INVALID_HANDLE_VALUE) return;
+FileReader::FileReader(const WideString& path, DWORD shareMode, FilePatience& patience) {
+    const auto deadline = patience.End();  // the wait for the turn counts
+    turn_ = std::make_unique<FileTurn>(path, shareMode == 0 ? FileUse::Exclusive : FileUse::Shared);
+    const HANDLE handle = Open(path, shareMode, deadline);
+    if (handle == INVALID_HANDLE_VALUE) {
+        turn_.reset();
+        return;
+    }
     handle_.reset(handle);
     LARGE_INTEGER size{};
     if (!GetFileSizeEx(handle, &size)) {

@@ -6,25 +6,31 @@
 #include <chrono>
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <type_traits>
 
 #include "automation/wide_string.h"
+#include "model/file_turn.h"
 
 namespace quorvane {
 
-// The right to open a file for oneself alone, within this process. Whoever wants it for the same
-// path waits: threads that send messages with the same body file don't shut each other out.
-class FileTurn {
+// How long one message waits for files that others have open, all of them together. Begins with the
+// first file. Short enough for a message that is cancelled meanwhile to end as fast as others.
+class FilePatience {
 public:
-    explicit FileTurn(WideString path);
-    ~FileTurn();
-    FileTurn(const FileTurn&) = delete;
-    FileTurn& operator=(const FileTurn&) = delete;
+    using Clock = std::chrono::steady_clock;
+
+    Clock::time_point End() {
+        if (!end_) end_ = Clock::now() + kLimit;
+        return *end_;
+    }
 
 private:
-    const WideString path_;
+    static constexpr std::chrono::milliseconds kLimit{400};
+
+    std::optional<Clock::time_point> end_;
 };
 
 // An open file, read from its start. Used by one thread at a time.
@@ -33,11 +39,11 @@ public:
     FileReader() = default;  // no file
 
     // Opens the file if it exists; shareMode is what others may do meanwhile (FILE_SHARE_READ, or
-    // 0 for nothing). Goes on trying for `patience` while others have it open in another mode, and
-    // for as long as it takes while other readers of this process have it for themselves alone.
-    // Throws std::bad_alloc for a file of 4 GiB or more, which no message can hold: the send then
-    // fails instead of going out without it.
-    FileReader(const WideString& path, DWORD shareMode, std::chrono::milliseconds patience = {});
+    // 0 for nothing). Waits for readers of this process, see FileTurn, and tries again as long as
+    // there is patience while others have it open in another mode or the system is short of
+    // something. Throws std::bad_alloc when it stays short, and for a file of 4 GiB or more, which
+    // no message can hold: the send then fails instead of going out without it.
+    FileReader(const WideString& path, DWORD shareMode, FilePatience& patience);
 
     bool IsOpen() const { return handle_ != nullptr; }
     std::size_t Size() const { return size_; }  // bytes, when the file was opened

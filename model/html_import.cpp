@@ -71,7 +71,8 @@ WideString InlineImages::AddInlineImage(const WideString& file) {
 }
 
 WideString ReadHtmlFile(const WideString& path) {
-    FileReader file(path, kNoSharing);
+    FilePatience patience;
+    FileReader file(path, kNoSharing, patience);
     if (!file.IsOpen()) throw CannotOpen(path);
     std::string bytes;
     try {

@@ -56,6 +56,8 @@ DWORD PathError(int hostError, const std::string& path) {
             return ERROR_ACCESS_DENIED;
         case ENOMEM:
             return ERROR_NOT_ENOUGH_MEMORY;
+        case EAGAIN:  // another process has a lease on it, which the kernel is asking back
+            return ERROR_SHARING_VIOLATION;
         case ENAMETOOLONG:
             return ERROR_FILENAME_EXCED_RANGE;
         default:

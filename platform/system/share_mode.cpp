@@ -28,10 +28,12 @@ bool Set(int descriptor, Mark mark) {
     return fcntl(descriptor, F_OFD_SETLK, &lock) == 0;
 }
 
-// True when another open of the file has the mark.
+// True when another open of the file has the mark. A lock that other programs have set on the whole
+// file, or on all that is behind some place, is none.
 bool IsSetByOther(int descriptor, Mark mark) {
     struct flock lock = Lock(mark, F_WRLCK);
-    return fcntl(descriptor, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+    return fcntl(descriptor, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK &&
+           lock.l_start >= Reading && lock.l_len != 0;
 }
 
 // Opens of this process go one at a time. Two processes that open at the same moment and don't

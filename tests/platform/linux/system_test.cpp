@@ -1,6 +1,7 @@
 // What is about the stand-in's own rules for paths, files and zones, and what it must leave alone.
 #include <windows.h>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -51,6 +52,24 @@ TEST(LinuxPaths, RefuseNamesThatAreNone) {
     EXPECT_EQ(CreateFileW(nullptr, GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr),
               INVALID_HANDLE_VALUE);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_NAME));
+}
+
+TEST(LinuxFiles, KeepNoLocksOfOtherPrograms) {
+    const ScratchFolder folder;
+    const std::filesystem::path path = folder.Write("file", "x");
+    const int other = open(path.c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_GE(other, 0);
+    for (const short type : {F_RDLCK, F_WRLCK}) {
+        struct flock whole = {};
+        whole.l_type = type;
+        whole.l_whence = SEEK_SET;
+        ASSERT_EQ(fcntl(other, F_SETLK, &whole), 0);
+        const HANDLE file = Open(path.u16string(), 0);
+        EXPECT_NE(file, INVALID_HANDLE_VALUE) << type;
+        CloseHandle(file);
+        // Which took all locks of this process on the file along.
+    }
+    close(other);
 }
 
 TEST(LinuxFiles, KeepShareModesBetweenProcesses) {

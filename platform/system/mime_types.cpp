@@ -1,9 +1,13 @@
 #include "mime_types.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <fstream>
 #include <map>
+#include <mutex>
+#include <optional>
 #include <sstream>
+#include <utility>
 
 namespace quorvane::platform {
 namespace {
@@ -11,9 +15,11 @@ namespace {
 using Types = std::map<std::string, std::string, std::less<>>;
 
 // Adds what a file says: lines of a type and its extensions, '#' before a comment. The first type
-// that names an extension has it.
-void ReadTypes(const std::string& path, Types& types) {
+// that names an extension has it. False when the system is too short of something to say.
+bool ReadTypes(const std::string& path, Types& types) {
+    errno = 0;
     std::ifstream file(path);
+    if (!file) return errno != EMFILE && errno != ENFILE && errno != ENOMEM;
     std::string line;
     while (std::getline(file, line)) {
         std::istringstream words(line.substr(0, line.find('#')));
@@ -22,22 +28,37 @@ void ReadTypes(const std::string& path, Types& types) {
         words >> type;
         while (words >> extension) types.emplace(extension, type);
     }
+    return true;
 }
 
-Types ReadAllTypes() {
-    Types types;
-    if (const char* home = std::getenv("HOME"))
-        ReadTypes(std::string(home) + "/.mime.types", types);
-    ReadTypes("/etc/mime.types", types);
-    return types;
+bool ReadAllTypes(Types& types) {
+    const char* const home = std::getenv("HOME");
+    return (!home || ReadTypes(std::string(home) + "/.mime.types", types)) &&
+           ReadTypes("/etc/mime.types", types);
 }
+
+// Never destroyed: threads that the end of the process overtakes may still compose.
+union Everlasting {
+    Everlasting() : known() {}
+    ~Everlasting() {}
+    struct {
+        std::mutex mutex;
+        std::optional<Types> types;
+    } known;
+} g_everlasting;
 
 }  // namespace
 
 std::string_view ContentTypeOf(std::string_view extension) {
-    static const Types types = ReadAllTypes();
-    const auto found = types.find(extension);
-    return found == types.end() ? std::string_view() : found->second;
+    auto& [mutex, types] = g_everlasting.known;
+    {
+        const std::lock_guard lock(mutex);
+        Types read;
+        if (!types && ReadAllTypes(read)) types = std::move(read);
+        if (!types) return {};
+    }
+    const auto found = types->find(extension);
+    return found == types->end() ? std::string_view() : found->second;
 }
 
 }  // namespace quorvane::platform

@@ -26,24 +26,27 @@ public:
         return error;
     }
 
-    std::optional<WideString> Read(const WCHAR* name) const {
-        DWORD type = 0;
+    // Of any type; nothing when there is no such value.
+    std::optional<RegistryValue> Read(const WCHAR* name) const {
+        RegistryValue value;
         DWORD size = 0;
-        LSTATUS error = RegQueryValueExW(key_, name, nullptr, &type, nullptr, &size);
-        if (error != ERROR_SUCCESS || type != REG_SZ) return std::nullopt;
-        WideString data(size / sizeof(WCHAR), WCHAR(0));
-        error = RegQueryValueExW(key_, name, nullptr, &type, reinterpret_cast<BYTE*>(data.data()),
-                                 &size);
+        LSTATUS error = RegQueryValueExW(key_, name, nullptr, &value.type, nullptr, &size);
         if (error != ERROR_SUCCESS) return std::nullopt;
-        data.resize(data.find(WCHAR(0)) == WideString::npos ? data.size() : data.find(WCHAR(0)));
-        return data;
+        value.bytes.resize(size);
+        error = RegQueryValueExW(key_, name, nullptr, &value.type, value.bytes.data(), &size);
+        if (error != ERROR_SUCCESS) return std::nullopt;
+        value.bytes.resize(size);
+        return value;
     }
 
-    bool Has(const WCHAR* name) const {
-        return RegQueryValueExW(key_, name, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+    void Restore(const WCHAR* name, const std::optional<RegistryValue>& value) const {
+        if (value) {
+            RegSetValueExW(key_, name, 0, value->type, value->bytes.data(),
+                           static_cast<DWORD>(value->bytes.size()));
+        } else {
+            RegDeleteValueW(key_, name);
+        }
     }
-
-    void Remove(const WCHAR* name) const { RegDeleteValueW(key_, name); }
 
     LSTATUS Set(const WCHAR* name, const WideString& data) const {
         const auto size = static_cast<DWORD>((data.size() + 1) * sizeof(WCHAR));
@@ -63,18 +66,13 @@ HRESULT StatusOf(LSTATUS error) {
 
 RegistryWriter::~RegistryWriter() {
     for (auto written = written_.rbegin(); written != written_.rend(); ++written) {
-        const RegistryEntry& before = written->before;
         if (written->isNewKey) {
-            RegDeleteTreeW(HKEY_CLASSES_ROOT, before.key.c_str());
-        } else if (before.data || written->isNewValue) {
+            RegDeleteTreeW(HKEY_CLASSES_ROOT, written->key.c_str());
+        } else if (written->hasValue) {
             Key key;
             bool isNew = false;
-            if (key.Create(before.key, isNew) != ERROR_SUCCESS) continue;
-            if (before.data) {
-                key.Set(before.name, *before.data);
-            } else {
-                key.Remove(before.name);
-            }
+            if (key.Create(written->key, isNew) != ERROR_SUCCESS) continue;
+            key.Restore(written->name, written->before);
         }
     }
 }
@@ -90,19 +88,18 @@ HRESULT RegistryWriter::Write(const RegistryEntries& entries) {
 void RegistryWriter::Protect(const WideString& key) {
     Key opened;
     if (opened.Open(key) != ERROR_SUCCESS) return;
-    written_.push_back({.before = {key, nullptr, opened.Read(nullptr)}});
+    std::optional<RegistryValue> before = opened.Read(nullptr);
+    const bool hasValue = before.has_value();
+    written_.push_back({key, nullptr, false, hasValue, std::move(before)});
 }
 
 HRESULT RegistryWriter::Write(const RegistryEntry& entry) {
     written_.reserve(written_.size() + 1);  // what is written is never forgotten for want of memory
-    Written written{.before = {entry.key, entry.name, {}}};
+    Written written{entry.key, entry.name, false, entry.data.has_value(), {}};
     Key key;
     const LSTATUS error = key.Create(entry.key, written.isNewKey);
     if (error != ERROR_SUCCESS) return StatusOf(error);
-    if (!written.isNewKey && entry.data) {
-        written.before.data = key.Read(entry.name);
-        written.isNewValue = !key.Has(entry.name);
-    }
+    if (!written.isNewKey && written.hasValue) written.before = key.Read(entry.name);
     written_.push_back(std::move(written));
     return entry.data ? StatusOf(key.Set(entry.name, *entry.data)) : S_OK;
 }

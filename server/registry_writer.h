@@ -10,9 +10,14 @@
 
 namespace quorvane {
 
+struct RegistryValue {
+    DWORD type = 0;
+    std::vector<BYTE> bytes;
+};
+
 // Writes entries below HKEY_CLASSES_ROOT. When it goes without Keep it takes back what it has
-// written: keys and values that it made are removed, texts that it replaced are what they were. One
-// thread.
+// written: keys and values that it made are removed, values that it replaced are what they were.
+// One thread.
 class RegistryWriter {
 public:
     RegistryWriter() = default;
@@ -31,9 +36,11 @@ public:
 
 private:
     struct Written {
-        RegistryEntry before;  // without data: nothing to restore
-        bool isNewKey = false;
-        bool isNewValue = false;  // in a key that was there
+        WideString key;
+        const WCHAR* name;
+        bool isNewKey;
+        bool hasValue;                        // besides the key
+        std::optional<RegistryValue> before;  // nothing: the value is new
     };
 
     HRESULT Write(const RegistryEntry& entry);

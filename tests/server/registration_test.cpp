@@ -45,6 +45,19 @@ protected:
         RegCloseKey(key);
     }
 
+    // As installers write paths.
+    static void SetExpandable(const std::string& name, const WideString& path) {
+        HKEY key = nullptr;
+        EXPECT_EQ(RegOpenKeyExW(HKEY_CLASSES_ROOT, WidenBytes(name).c_str(), 0,
+                                KEY_READ | KEY_WRITE, &key),
+                  ERROR_SUCCESS);
+        EXPECT_EQ(RegSetValueExW(key, nullptr, 0, REG_EXPAND_SZ,
+                                 reinterpret_cast<const BYTE*>(path.c_str()),
+                                 static_cast<DWORD>((path.size() + 1) * sizeof(WCHAR))),
+                  ERROR_SUCCESS);
+        RegCloseKey(key);
+    }
+
     RegistrySandbox sandbox_;
 };
 
@@ -102,6 +115,7 @@ TEST_F(RegistrationTest, TakesBackWhatItHasWrittenWhenAWriteFails) {
         SCOPED_TRACE(isRegistered ? "registered from another place" : "not registered");
         if (isRegistered) {
             ASSERT_EQ(DllRegisterServer(), S_OK);
+            SetExpandable(kServerKey, OLESTR("%CommonProgramFiles%\\Quorvane.dll"));
         }
         const std::string before = sandbox_.Contents();
         int failures = 0;

@@ -22,6 +22,7 @@
 #include <algorithm>
 #include <chrono>
 #include <concepts>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -46,7 +47,8 @@ private:
     ComPtr<IMailAddress> object_ = Create<IMailAddress>();
 };
 
-// What goes along with a message: a file, which is read when the message is sent, or bytes.
+// What goes along with a message: a file, which is read when the message is sent, or bytes. A copy
+// is the same attachment: what is set of one is set of both.
 class Attachment {
 public:
     explicit Attachment(const Bstr& file) {
@@ -57,6 +59,9 @@ public:
     }
     // The bytes are copied.
     Attachment(const Bstr& name, std::string_view bytes) {
+        if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<LONG>::max())) {
+            throw Error(E_INVALIDARG, "An attachment has 2 GiB at most.");
+        }
         auto* data = reinterpret_cast<unsigned char*>(const_cast<char*>(bytes.data()));
         Check(object_->LoadFromMemory(data, static_cast<LONG>(bytes.size())), object_);
         Name(name);
@@ -118,10 +123,11 @@ public:
         return Set(object_->AddHeader(name, value));
     }
 
-    // The body. The last one counts.
+    // The body. The last one counts; the pictures of one that was imported stay.
     Message& Text(const Bstr& text) { return Body(text, MailFormatText); }
     Message& Html(const Bstr& html) { return Body(html, MailFormatHtml); }
     Message& Body(const Bstr& text, MailFormat format) {
+        Set(object_->put_MessageBodyFile(Bstr()));
         Set(object_->put_MessageBodyFormat(format));
         return Set(object_->put_MessageBody(text));
     }
@@ -131,6 +137,7 @@ public:
     Message& ImportHtml(const Bstr& file) {
         std::u16string path = file.utf16();
         std::replace(path.begin(), path.end(), u'/', u'\\');
+        Set(object_->put_MessageBodyFile(Bstr()));
         return Set(object_->ImportHTML(Bstr(path)));
     }
     // Plain text beside HTML, for readers without.
@@ -196,7 +203,8 @@ public:
         return Set(object_->put_SmtpSPA(wanted ? VARIANT_TRUE : VARIANT_FALSE));
     }
     Mailer& ReplyTimeout(std::chrono::seconds time) {
-        return Set(object_->put_ReplyTimeout(static_cast<LONG>(time.count())));
+        constexpr std::chrono::seconds kLongest{std::numeric_limits<LONG>::max()};
+        return Set(object_->put_ReplyTimeout(static_cast<LONG>(std::min(time, kLongest).count())));
     }
     Mailer& ConnectAttempts(int count) { return Set(object_->put_ConnectAttempts(count)); }
     // The name by which the computer introduces itself; its own unless given.

@@ -9,6 +9,7 @@
 #include <ocidl.h>
 #include <ole2.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <functional>
@@ -18,10 +19,12 @@
 
 namespace quorvane::client {
 
-// Waits that long for calls from other threads to objects of this one, events among them, and
-// lets them in.
+// Waits that long, a day at most, for calls from other threads to objects of this one, events among
+// them, and lets them in. For programs without a message loop; one that has windows goes on with
+// its own loop, which does the same, instead.
 inline void TakeMessages(std::chrono::milliseconds time) {
-    const auto end = std::chrono::steady_clock::now() + time;
+    constexpr std::chrono::milliseconds kLongest = std::chrono::hours(24);
+    const auto end = std::chrono::steady_clock::now() + std::min(time, kLongest);
     do {
         MSG message;
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);

@@ -127,6 +127,8 @@ std::string HintForRefusal(std::string_view text) {
     } kRefusals[] = {
         {"Message must have at least one recipient", "",
          "add --to, --cc or --bcc with an address."},
+        {"Couldn't open attachment file",
+         "==", "a picture whose bytes stand behind src= is none to import: use --no-import."},
         {"Couldn't open attachment file", "=",
          "put each value behind src= in double quotes; single ones don't end it."},
         {"Couldn't open attachment file", "",

@@ -51,13 +51,38 @@ Suffix TakeSuffix(std::string_view& text) {
     return last;
 }
 
-// Splits 'text/plain; charset=utf-8' into the type and the character set.
+bool IsCharset(std::string_view parameter) {
+    constexpr std::string_view kKey = "charset=";
+    return std::ranges::equal(parameter.substr(0, kKey.size()), kKey, [](char given, char small) {
+        return (given >= 'A' && given <= 'Z' ? char(given + 32) : given) == small;
+    });
+}
+
+// Where the parameter at the front ends: at a semicolon outside of quotes.
+std::size_t ParameterSize(std::string_view text) {
+    bool quoted = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '"') quoted = !quoted;
+        if (text[i] == '\\') ++i;
+        if (i < text.size() && text[i] == ';' && !quoted) return i;
+    }
+    return text.size();
+}
+
+// Takes the character set out of 'text/calendar; charset=utf-8; method=REQUEST' (RFC 2045 section
+// 5.1); the other parameters stay with the type.
 void SetType(std::string_view type, FileArgument& argument) {
-    const auto mark = type.find("charset=");
-    const auto semicolon = type.find(';');
-    argument.contentType = Trim(type.substr(0, semicolon));
-    if (mark != type.npos && semicolon < mark)
-        argument.charset = Unquote(Trim(type.substr(mark + 8)));
+    argument.contentType = Trim(type.substr(0, ParameterSize(type)));
+    for (type.remove_prefix(ParameterSize(type)); !type.empty();
+         type.remove_prefix(ParameterSize(type))) {
+        type.remove_prefix(1);
+        const std::string_view parameter = Trim(type.substr(0, ParameterSize(type)));
+        if (IsCharset(parameter)) {
+            argument.charset = Unquote(Trim(parameter.substr(parameter.find('=') + 1)));
+        } else if (!parameter.empty()) {
+            argument.contentType += "; " + std::string(parameter);
+        }
+    }
 }
 
 // Whether a comma or a semicolon outside of quotes stands between two at signs.

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <map>
+#include <utility>
 
 #include "cli/help.h"
 #include "cli/text_input.h"
@@ -36,6 +37,16 @@ constexpr std::string_view kStandardInput = "-";
 CLI::Validator Between(int lowest, int highest) {
     return CLI::Range(lowest, highest).description("");
 }
+// Takes zeros off the front of a number, which the parser would take for the mark of octal digits.
+CLI::Validator Decimal() {
+    return CLI::Validator(
+        [](std::string& text) {
+            const auto digits = text.find_first_not_of('0');
+            if (digits != 0 && digits != text.npos) text.erase(0, digits);
+            return std::string();
+        },
+        "");
+}
 template <typename Value>
 CLI::Validator OneOf(const std::map<std::string, Value>& words) {
     return CLI::IsMember(&words).description("");
@@ -67,8 +78,10 @@ void DefineServer(CLI::App& app, Options& options, Raw& raw) {
     app.add_flag("--ssl", options.ssl,
                  "Encrypt the connection, from the start or with STARTTLS, when the server can");
     AddValue(app, "--timeout", options.timeout, "SECONDS", "Time to wait for each reply: 30")
+        ->transform(Decimal())
         ->check(Between(1, 86400));
     AddValue(app, "--attempts", options.attempts, "N", "How often to try to connect: 2")
+        ->transform(Decimal())
         ->check(Between(1, 1000));
     AddValue(app, "--helo", options.helo, "NAME", "Name to introduce this computer by");
     for (const char* ofServer :
@@ -118,9 +131,11 @@ void DefineContent(CLI::App& app, Options& options, Raw& raw) {
 void DefineSending(CLI::App& app, Options& options) {
     app.option_defaults()->group("Sending");
     AddValue(app, "--count", options.count, "N", "Send the message N times")
+        ->transform(Decimal())
         ->check(Between(1, 1000000));
     auto* async = app.add_flag("--async", options.async, "Send through the queue; Ctrl-C cancels");
     AddValue(app, "--threads", options.threads, "N", "Messages of the queue in flight at a time: 5")
+        ->transform(Decimal())
         ->check(Between(1, 1000))
         ->needs(async);
     app.add_flag("--json", options.json, "Print each outcome as a line of JSON");
@@ -131,6 +146,25 @@ void DefineSending(CLI::App& app, Options& options) {
     app.set_help_flag("--help", "Show the options that most sends need");
     app.set_help_all_flag("--help-all", "Show all options");
     app.set_version_flag("--version", "quorvane-send " QUORVANE_VERSION, "Show the version");
+}
+
+// The lists as they were given: the parser takes a first "{}" for an empty list.
+void TakeLists(const CLI::App& app, Raw& raw) {
+    const std::pair<const char*, std::vector<std::string>*> lists[] = {
+        {"--to", &raw.to},         {"--cc", &raw.cc},          {"--bcc", &raw.bcc},
+        {"--attach", &raw.attach}, {"--inline", &raw.inlined}, {"--header", &raw.headers}};
+    for (const auto& [name, values] : lists) *values = app.get_option(name)->results();
+}
+
+// An empty value comes from a variable that isn't set, and would count as none.
+void RequireValues(const CLI::App& app) {
+    for (const char* name :
+         {"--user", "--password-file", "--reply-to", "--text-file", "--html-file", "--body-file"}) {
+        const CLI::Option* const option = app.get_option(name);
+        if (option->count() > 0 && option->results().front().empty()) {
+            throw UsageError(std::string(name) + " has an empty value.");
+        }
+    }
 }
 
 // Takes '--name=value' apart, which the parser would misread when the value is empty.
@@ -162,6 +196,20 @@ std::vector<Address> ParseAddresses(const std::vector<std::string>& texts) {
     std::vector<Address> addresses;
     std::ranges::transform(texts, std::back_inserter(addresses), ParseAddress);
     return addresses;
+}
+
+std::vector<Header> ParseHeaders(const std::vector<std::string>& texts) {
+    std::vector<Header> headers;
+    for (const std::string& text : texts) {
+        Header header = ParseHeader(text);
+        const auto isSame = [&](const Header& other) { return other.name == header.name; };
+        if (std::ranges::any_of(headers, isSame)) {
+            throw UsageError("The header field " + header.name +
+                             " is given twice; a message has one of each name.");
+        }
+        headers.push_back(std::move(header));
+    }
+    return headers;
 }
 
 void CollectFiles(const Raw& raw, Options& options) {
@@ -222,6 +270,7 @@ void CollectBodies(const Raw& raw, Options& options) {
             throw UsageError("Can't read the file " + options.bodyFile + ".");
         }
         RequireSendable(options.bodyFile);
+        if (options.encoding != MailEncodingBase64) RequireNoNul(options.bodyFile);
         options.html = IsHtmlName(options.bodyFile);
     }
 }
@@ -240,7 +289,7 @@ void Collect(const Raw& raw, Options& options) {
     options.messageId = ParseMessageId(raw.messageId);
     options.priority = kPriorities.at(raw.priority);
     options.encoding = kEncodings.at(raw.encoding);
-    std::ranges::transform(raw.headers, std::back_inserter(options.headers), ParseHeader);
+    options.headers = ParseHeaders(raw.headers);
     CollectFiles(raw, options);
     CollectBodies(raw, options);
     if (!raw.passwordFile.empty()) options.password = ReadPassword(raw.passwordFile);
@@ -276,6 +325,8 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
     } catch (const CLI::ParseError& error) {
         throw UsageError(Complaint(app, error));
     }
+    TakeLists(app, raw);
+    RequireValues(app);
     Collect(raw, options);
     return options;
 }

@@ -131,13 +131,25 @@ private:
         while (!interrupted_ && queued_ < options_.count && unfinished_.size() < queuedAhead_) {
             ++queued_;
             try {
-                unfinished_.insert(mailer_.Queue(message_));
+                lastNumber_ = mailer_.Queue(message_);
+                unfinished_.insert(lastNumber_);
             } catch (const client::Error& error) {
                 // Refused at the first time, it would be at every other.
                 if (error.status() == E_INVALIDARG && queued_ == 1) throw UsageError(error.what());
-                Tell(0, MailStatusFailed, {-1, error.what()});
+                if (!IsQueuedAllTheSame()) Tell(0, MailStatusFailed, {-1, error.what()});
             }
         }
+    }
+
+    // A message whose worker couldn't be started waits for one of those that run.
+    bool IsQueuedAllTheSame() {
+        try {
+            mailer_.Status(lastNumber_ + 1);
+        } catch (const client::Error&) {
+            return false;
+        }
+        unfinished_.insert(++lastNumber_);
+        return true;
     }
 
     void CollectEnded() {
@@ -206,6 +218,7 @@ private:
     const std::size_t queuedAhead_;
     Clock::time_point lastEvent_;
     int queued_ = 0;
+    LONG lastNumber_ = 0;
     bool interrupted_ = false;
     std::set<LONG> unfinished_;
     std::map<LONG, Bytes> inFlight_;

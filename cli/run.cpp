@@ -30,12 +30,12 @@ Mailer MakeMailer(const Options& options) {
 }
 
 // A message that the component didn't even attempt counts as wrong use, unless the fault was not
-// in the message.
-Outcome SendOnce(Mailer& mailer, const client::Message& message) {
+// in the message, or came after messages that are out.
+Outcome SendOnce(Mailer& mailer, const client::Message& message, bool isFirst) {
     try {
         return mailer.Send(message);
     } catch (const client::Error& error) {
-        if (error.status() == E_INVALIDARG) throw UsageError(error.what());
+        if (error.status() == E_INVALIDARG && isFirst) throw UsageError(error.what());
         return {-1, error.what()};
     }
 }
@@ -49,7 +49,7 @@ ExitStatus SendAll(const Options& options) {
     FailureReport failures(options);
     int sent = 0;
     for (int i = 0; i < options.count; ++i) {
-        const Outcome outcome = SendOnce(mailer, message);
+        const Outcome outcome = SendOnce(mailer, message, i == 0);
         if (options.json) system::WriteOutput(OutcomeAsJson(outcome) + "\n");
         if (outcome.sent()) {
             ++sent;
@@ -68,11 +68,16 @@ ExitStatus SendAll(const Options& options) {
 int Run(const std::vector<std::string>& arguments) {
     try {
         const Options options = ParseOptions(arguments);
+        const bool asksForOutput = !options.information.empty() || options.dryRun;
+        ExitStatus status = kSent;
         if (!options.information.empty()) {
             system::WriteOutput(options.information);
-            return kSent;
+        } else {
+            status = SendAll(options);
         }
-        return SendAll(options);
+        if (system::OutputIsWhole()) return status;
+        system::WriteError(ErrorText("Can't write to standard output.", {}));
+        return asksForOutput ? kNotSent : status;  // what is sent is sent
     } catch (const UsageError& error) {
         const std::string hint = HintForRefusal(error.what());
         system::WriteError(ErrorText(error.what(), hint));

@@ -10,6 +10,8 @@ namespace quorvane::cli::system {
 // Write UTF-8 text, so that a terminal shows it right.
 void WriteOutput(std::string_view text);
 void WriteError(std::string_view text);
+// Whether everything has gone to the output so far.
+bool OutputIsWhole();
 
 // Whether somebody may be looking at the output as it is written.
 bool OutputIsTerminal();
@@ -23,8 +25,8 @@ bool ErrorShowsColours();
 void WatchForInterrupt();
 bool Interrupted();
 
-// Everything up to the end of standard input, byte for byte.
-std::string ReadInput();
+// Has standard input give its bytes as they are.
+void TakeInputAsBytes();
 
 // A command that keeps others than the owner from reading the file; empty when they can't read it
 // as it is, or when there is no such file.

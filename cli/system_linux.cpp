@@ -40,6 +40,10 @@ void WriteError(std::string_view text) {
     Write(stderr, text);
 }
 
+bool OutputIsWhole() {
+    return std::ferror(stdout) == 0;
+}
+
 bool OutputIsTerminal() {
     return isatty(STDOUT_FILENO) != 0;
 }
@@ -53,6 +57,9 @@ bool ErrorShowsColours() {
 }
 
 void WatchForInterrupt() {
+    struct sigaction before {};
+    sigaction(SIGINT, nullptr, &before);
+    if (before.sa_handler == SIG_IGN) return;  // as a shell has it for what runs in its background
     struct sigaction action {};
     action.sa_handler = NoteInterrupt;
     action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
@@ -63,14 +70,7 @@ bool Interrupted() {
     return g_interrupted;
 }
 
-std::string ReadInput() {
-    std::string text;
-    char piece[4096];
-    while (const std::size_t size = std::fread(piece, 1, sizeof piece, stdin)) {
-        text.append(piece, size);
-    }
-    return text;
-}
+void TakeInputAsBytes() {}
 
 std::string RemedyForReaders(const std::string& file) {
     struct stat status;

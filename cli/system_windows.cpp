@@ -15,17 +15,19 @@ namespace quorvane::cli::system {
 
 namespace {
 
-void Write(DWORD which, std::string_view text) {
+bool Write(DWORD which, std::string_view text) {
     const HANDLE handle = GetStdHandle(which);
     DWORD mode = 0;
     DWORD written = 0;
     if (!GetConsoleMode(handle, &mode)) {
-        WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
-        return;
+        return WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) &&
+               written == text.size();
     }
     const client::Bstr wide(text);
-    WriteConsoleW(handle, static_cast<BSTR>(wide), SysStringLen(wide), &written, nullptr);
+    return WriteConsoleW(handle, static_cast<BSTR>(wide), SysStringLen(wide), &written, nullptr);
 }
+
+bool g_outputIsWhole = true;
 
 // Since Windows 10; older consoles refuse.
 bool TurnOnColours(DWORD which) {
@@ -72,11 +74,15 @@ bool LetsOthersRead(const ACL* list, PSID owner) {
 }  // namespace
 
 void WriteOutput(std::string_view text) {
-    Write(STD_OUTPUT_HANDLE, text);
+    if (!Write(STD_OUTPUT_HANDLE, text)) g_outputIsWhole = false;
 }
 
 void WriteError(std::string_view text) {
     Write(STD_ERROR_HANDLE, text);
+}
+
+bool OutputIsWhole() {
+    return g_outputIsWhole;
 }
 
 bool OutputIsTerminal() {
@@ -100,14 +106,8 @@ bool Interrupted() {
     return g_interrupted;
 }
 
-std::string ReadInput() {
+void TakeInputAsBytes() {
     _setmode(_fileno(stdin), _O_BINARY);
-    std::string text;
-    char piece[4096];
-    while (const std::size_t size = std::fread(piece, 1, sizeof piece, stdin)) {
-        text.append(piece, size);
-    }
-    return text;
 }
 
 std::string RemedyForReaders(const std::string& file) {

@@ -1,8 +1,11 @@
 #include "cli/text_input.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <limits>
 
 #include "cli/options.h"
 #include "cli/system.h"
@@ -16,6 +19,18 @@ void RequireNoFolder(const std::string& name) {
     if (std::filesystem::is_directory(PathOf(name), error)) {
         throw UsageError(name + " is a folder, not a file.");
     }
+}
+
+std::string ReadInput() {
+    system::TakeInputAsBytes();
+    std::string text;
+    char piece[4096];
+    // A terminal's end is told once, and another read would wait for the next one.
+    while (!std::feof(stdin) && !std::ferror(stdin)) {
+        text.append(piece, std::fread(piece, 1, sizeof piece, stdin));
+    }
+    if (std::ferror(stdin)) throw UsageError("Can't read standard input.");
+    return text;
 }
 
 std::string ReadFile(const std::string& name) {
@@ -33,7 +48,7 @@ std::filesystem::path PathOf(std::string_view utf8) {
 }
 
 std::string ReadTextFile(const std::string& name) {
-    std::string text = name == "-" ? system::ReadInput() : ReadFile(name);
+    std::string text = name == "-" ? ReadInput() : ReadFile(name);
     text = WithoutByteOrderMark(std::move(text));
     RequireText(text, name == "-" ? "Standard input" : "The file " + name);
     return text;
@@ -80,6 +95,15 @@ std::string ReadPassword(const std::string& file) {
     return text;
 }
 
+void RequireNoNul(const std::string& file) {
+    std::ifstream stream(PathOf(file), std::ios::binary);
+    const std::istreambuf_iterator<char> end;
+    if (std::find(std::istreambuf_iterator<char>(stream), end, '\0') != end) {
+        throw UsageError("The file " + file +
+                         " holds a NUL, where the body would end; send it with --encoding base64.");
+    }
+}
+
 void RequireSameMeaning(const std::string& file) {
     if (!system::MeansTheSameToTheComponent(file)) {
         throw UsageError("The name " + file +
@@ -103,8 +127,14 @@ void RequireContent(const std::string& file) {
     }
     std::ifstream stream(path, std::ios::binary);
     if (!stream) throw UsageError("Can't read the file " + file + ".");
-    if (stream.peek() == std::ifstream::traits_type::eof()) {
+    // The component goes by the size, which is 0 for files that the system makes up as they are
+    // read.
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    if (error || size == 0 || stream.peek() == std::ifstream::traits_type::eof()) {
         throw UsageError("The file " + file + " is empty; an empty file can't be sent along.");
+    }
+    if (size > std::numeric_limits<std::uint32_t>::max()) {
+        throw UsageError("The file " + file + " has 4 GiB or more, which no message can hold.");
     }
 }
 

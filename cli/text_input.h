@@ -26,6 +26,9 @@ std::string WithMailLineEnds(std::string_view text);
 // The first line of the file, which nobody but its owner may be able to read. Throws UsageError.
 std::string ReadPassword(const std::string& file);
 
+// Throws UsageError for a body file that a NUL would end.
+void RequireNoNul(const std::string& file);
+
 // Throws UsageError for a file name that the component would take for another path.
 void RequireSameMeaning(const std::string& file);
 

@@ -54,6 +54,10 @@ TEST(OptionValues, Files) {
         {"a,type=x/y,name=b", "a", "b", "x/y", "utf-8", ""},
         {"a,name=b,type=x/y", "a", "b", "x/y", "utf-8", ""},
         {"a,type=text/csv; charset=\"koi8-r\"", "a", "a", "text/csv", "koi8-r", ""},
+        {"a,type=text/calendar; CHARSET=utf-16 ;method=REQUEST", "a", "a",
+         "text/calendar; method=REQUEST", "utf-16", ""},
+        {"a,type=text/plain; format=\"a;b\"; charset=\"koi8-r\"", "a", "a",
+         "text/plain; format=\"a;b\"", "koi8-r", ""},
         {"a,cid=<x@y>,type=image/png", "a", "a", "image/png", "utf-8", "x@y"},
         {"a,nickname=b", "a,nickname=b", "a,nickname=b", "", "utf-8", ""},
     };

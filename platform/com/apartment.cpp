@@ -3,28 +3,33 @@
 #include <objbase.h>
 
 #include <new>
+#include <optional>
 #include <system_error>
 #include <thread>
+
+#include "platform/system/lasting.h"
+#include "platform/system/thread.h"
 
 namespace quorvane::platform {
 namespace {
 
 // The multithreaded apartment and the number of threads that have entered it.
 std::mutex g_multithreadedMutex;
-std::shared_ptr<Apartment> g_multithreaded;
+Lasting<std::shared_ptr<Apartment>> g_multithreaded;
 ULONG g_multithreadedThreads = 0;
 
 std::shared_ptr<Apartment> EnterMultithreaded() {
     const std::lock_guard lock(g_multithreadedMutex);
-    if (!g_multithreaded) g_multithreaded = std::make_shared<Apartment>(nullptr);
+    auto& apartment = g_multithreaded.object;
+    if (!apartment) apartment = std::make_shared<Apartment>(nullptr);
     ++g_multithreadedThreads;
-    return g_multithreaded;
+    return apartment;
 }
 
 // The apartment when the calling thread was the last one in it; it has ended then.
 std::shared_ptr<Apartment> LeaveMultithreaded() {
     const std::lock_guard lock(g_multithreadedMutex);
-    return --g_multithreadedThreads == 0 ? std::move(g_multithreaded) : nullptr;
+    return --g_multithreadedThreads == 0 ? std::move(g_multithreaded.object) : nullptr;
 }
 
 // The calling thread's place.
@@ -81,7 +86,7 @@ thread_local Place t_place;
 std::shared_ptr<Apartment> Apartment::Current() {
     if (t_place.apartment()) return t_place.apartment();
     const std::lock_guard lock(g_multithreadedMutex);
-    return g_multithreaded;
+    return g_multithreaded.object;
 }
 
 HRESULT Apartment::Run(std::function<HRESULT()> work) {
@@ -105,7 +110,9 @@ HRESULT Apartment::RunOnNewThread(const std::function<HRESULT()>& work,
     };
     const auto call = std::make_shared<Call>(enterAndWork, queue);
     try {
+        std::optional<SignalsBlocked> blocked(std::in_place);
         std::thread thread([call] { call->Run(); });
+        blocked.reset();
         const HRESULT hr = queue->WaitForOutcome(*call);
         thread.join();
         return hr;

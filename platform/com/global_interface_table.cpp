@@ -7,6 +7,7 @@
 #include <new>
 
 #include "object_reference.h"
+#include "platform/system/lasting.h"
 
 namespace quorvane::platform {
 namespace {
@@ -83,17 +84,12 @@ private:
     std::map<DWORD, ObjectReference> references_;
 };
 
-// Never destroyed: threads that the end of the process overtakes may still use it.
-union Everlasting {
-    Everlasting() : table() {}
-    ~Everlasting() {}
-    GlobalInterfaceTable table;
-} g_everlasting;
+Lasting<GlobalInterfaceTable> g_table;
 
 }  // namespace
 
 HRESULT GetGlobalInterfaceTable(REFIID riid, void** table) {
-    return g_everlasting.table.QueryInterface(riid, table);
+    return g_table.object.QueryInterface(riid, table);
 }
 
 }  // namespace quorvane::platform

@@ -10,19 +10,28 @@
 
 namespace {
 
-// The host's name up to its first dot; empty when it can't be read.
-std::string ReadHostLabel() {
-    std::array<char, 256> host{};
-    if (gethostname(host.data(), host.size() - 1) != 0) return {};
-    const std::string_view name(host.data());
-    return std::string(name.substr(0, name.find('.')).substr(0, MAX_COMPUTERNAME_LENGTH));
-}
+// The host's name up to its first dot; empty when it can't be read. Nothing to destroy.
+class HostLabel {
+public:
+    HostLabel() {
+        if (gethostname(host_.data(), host_.size() - 1) != 0) return;
+        const std::string_view name(host_.data());
+        size_ = std::min<std::size_t>(name.find('.'),
+                                      std::min<std::size_t>(name.size(), MAX_COMPUTERNAME_LENGTH));
+    }
+    std::string_view text() const { return {host_.data(), size_}; }
+
+private:
+    std::array<char, 256> host_{};
+    std::size_t size_ = 0;
+};
 
 }  // namespace
 
 BOOL GetComputerNameW(LPWSTR name, LPDWORD size) {
     // As on Windows, where a computer keeps its name until it starts anew. Each session asks.
-    static const std::string label = ReadHostLabel();
+    static const HostLabel host;
+    const std::string_view label = host.text();
     if (label.empty()) {
         SetLastError(ERROR_GEN_FAILURE);
         return FALSE;

@@ -9,6 +9,8 @@
 #include <sstream>
 #include <utility>
 
+#include "lasting.h"
+
 namespace quorvane::platform {
 namespace {
 
@@ -37,22 +39,15 @@ bool ReadAllTypes(Types& types) {
            ReadTypes("/etc/mime.types", types);
 }
 
-// Never destroyed: threads that the end of the process overtakes may still compose.
-union Everlasting {
-    Everlasting() : known() {}
-    ~Everlasting() {}
-    struct {
-        std::mutex mutex;
-        std::optional<Types> types;
-    } known;
-} g_everlasting;
+std::mutex g_mutex;
+Lasting<std::optional<Types>> g_types;
 
 }  // namespace
 
 std::string_view ContentTypeOf(std::string_view extension) {
-    auto& [mutex, types] = g_everlasting.known;
+    std::optional<Types>& types = g_types.object;
     {
-        const std::lock_guard lock(mutex);
+        const std::lock_guard lock(g_mutex);
         Types read;
         if (!types && ReadAllTypes(read)) types = std::move(read);
         if (!types) return {};

@@ -9,6 +9,7 @@
 #include <new>
 
 #include "code_page.h"
+#include "lasting.h"
 #include "mime_types.h"
 #include "registry_file.h"
 
@@ -21,7 +22,8 @@ constexpr std::u16string_view kContentType = u"Content Type";
 // Paths of the keys that are open, by handle. Handles aren't used again, so that a stale one is
 // found out.
 std::mutex g_mutex;
-std::map<HKEY, std::u16string> g_openKeys;
+Lasting<std::map<HKEY, std::u16string>> g_lastingKeys;
+std::map<HKEY, std::u16string>& g_openKeys = g_lastingKeys.object;
 ULONG_PTR g_lastHandle = 0;
 
 HKEY AddKey(std::u16string path) {

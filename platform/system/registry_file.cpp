@@ -11,6 +11,8 @@
 #include <cstdlib>
 #include <mutex>
 
+#include "lasting.h"
+
 namespace quorvane::platform {
 namespace {
 
@@ -87,8 +89,13 @@ struct Version {
 
 // Guards the last state that this process has read.
 std::mutex g_mutex;
-Version g_version;
-RegistryTree g_tree;
+struct LastState {
+    Version version;
+    RegistryTree tree;
+};
+Lasting<LastState> g_last;
+Version& g_version = g_last.object.version;
+RegistryTree& g_tree = g_last.object.tree;
 
 // Brings g_tree up to date with the file; a file that isn't there is an empty one. False, with an
 // empty tree, when the file can't be read. The mutex is held.

@@ -12,6 +12,7 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <memory>
 #include <new>
@@ -25,6 +26,9 @@ namespace {
 // has given out no handle. A plain number, which costs threads nothing that start and end without
 // it.
 thread_local int t_end = -1;
+
+// Of _beginthreadex, that haven't ended.
+std::atomic<int> g_threads{0};
 
 void AnnounceEnd() {
     if (t_end < 0) return;
@@ -41,6 +45,7 @@ void* Run(void* start) {
     // Freed before the thread runs, because FreeLibraryAndExitThread doesn't come back.
     const Start own = *std::unique_ptr<Start>(static_cast<Start*>(start));
     own.run(own.argument);
+    g_threads.fetch_sub(1);
     AnnounceEnd();
     return nullptr;
 }
@@ -74,6 +79,27 @@ LibraryToClose g_libraryToClose;
 
 }  // namespace
 
+namespace quorvane::platform {
+
+bool ThreadsRun() {
+    return g_threads > 0;
+}
+
+SignalsBlocked::SignalsBlocked() {
+    sigset_t signals;
+    sigfillset(&signals);
+    for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGSYS, SIGPROF}) {
+        sigdelset(&signals, fault);
+    }
+    pthread_sigmask(SIG_BLOCK, &signals, &before_);
+}
+
+SignalsBlocked::~SignalsBlocked() {
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+}
+
+}  // namespace quorvane::platform
+
 uintptr_t _beginthreadex(void*, unsigned, unsigned(WINAPI* run)(void*), void* argument, unsigned,
                          unsigned*) {
     std::unique_ptr<Start> start(new (std::nothrow) Start{run, argument});
@@ -84,9 +110,14 @@ uintptr_t _beginthreadex(void*, unsigned, unsigned(WINAPI* run)(void*), void* ar
     }
     pthread_attr_setdetachstate(&detached, PTHREAD_CREATE_DETACHED);
     pthread_t thread;
-    const int error = pthread_create(&thread, &detached, Run, start.get());
+    g_threads.fetch_add(1);
+    const int error = [&] {
+        const quorvane::platform::SignalsBlocked blocked;
+        return pthread_create(&thread, &detached, Run, start.get());
+    }();
     pthread_attr_destroy(&detached);
     if (error != 0) {
+        g_threads.fetch_sub(1);
         errno = error;
         return 0;
     }
@@ -120,6 +151,7 @@ BOOL FreeLibrary(HMODULE module) {
 
 void FreeLibraryAndExitThread(HMODULE module, DWORD) {
     g_libraryToClose.AtThreadEnd(module);
+    g_threads.fetch_sub(1);
     AnnounceEnd();
     pthread_exit(nullptr);
 }

@@ -80,6 +80,7 @@ BOOL GetFileSizeEx(HANDLE file, PLARGE_INTEGER size) {
 
 BOOL CloseHandle(HANDLE object) {
     if (object == quorvane::platform::kThreadHandle) return TRUE;
+    quorvane::platform::ForgetShareMode(Descriptor(object));
     // Never again after EINTR: Linux has closed the descriptor then.
     if (close(Descriptor(object)) != 0 && errno == EBADF) return Fail(ERROR_INVALID_HANDLE);
     return TRUE;

@@ -51,4 +51,11 @@ bool ShareForReading(int descriptor, DWORD shareMode) {
            !(deniesReading && IsSetByOther(descriptor, Reading));
 }
 
+void ForgetShareMode(int descriptor) {
+    for (const Mark mark : {Reading, DeniesReading}) {
+        struct flock lock = Lock(mark, F_UNLCK);
+        fcntl(descriptor, F_OFD_SETLK, &lock);
+    }
+}
+
 }  // namespace quorvane::platform

@@ -13,4 +13,7 @@ namespace quorvane::platform {
 // A file system that can't keep record locks leaves every open unrestricted.
 bool ShareForReading(int descriptor, DWORD shareMode);
 
+// Ends what is noted at once, also when a forked process still has the descriptor.
+void ForgetShareMode(int descriptor);
+
 }  // namespace quorvane::platform

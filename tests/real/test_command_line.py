@@ -23,6 +23,25 @@ class CommandLineTest(CatcherTest):
     def header(self, raw):
         return mime_check.parse(raw)
 
+    # -- Standard streams ----------------------------------------------------------------------
+
+    def test_closed_streams_stay_out_of_the_mail(self):
+        if self.client.windows:
+            self.skipTest("Wine gives its programs streams of their own")
+        large = self.file("large.bin", bytes(range(256)) * 4000)
+        for streams in ("2>&-", ">&- 2>&-", "<&- >&- 2>&-"):
+            with self.subTest(streams):
+                shell = self.client.inside(["sh", "-c", f'exec "$0" "$@" {streams}'], {})
+                arguments = [*SIMPLE_ARGUMENTS, "--verbose", "--attach", large]
+                done = shell.run("--server", f"127.0.0.1:{self.port}", *arguments)
+                self.assertEqual(done.returncode, 0)
+                [(_, raw)] = self.catcher.messages()
+                self.assert_well_formed(raw)
+                [_, part] = mime_check.leaves(mime_check.parse(raw))
+                self.assertEqual(part.content, large.read_bytes())
+                refused = shell.run("--server", "127.0.0.1:1", *SIMPLE_ARGUMENTS, "--text", "-")
+                self.assertEqual(refused.returncode, 2 if "<" in streams else 1)
+
     # -- Wrong use -----------------------------------------------------------------------------
 
     def test_wrong_use(self):

@@ -1,5 +1,6 @@
 // What is about the stand-in's own rules for paths, files and zones, and what it must leave alone.
 #include <windows.h>
+#include <process.h>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <ctime>
+#include <future>
 #include <string>
 
 #include "tests/support/scratch_folder.h"
@@ -95,6 +97,46 @@ TEST(LinuxFiles, KeepShareModesBetweenProcesses) {
     // However a process ends, its share modes end with it.
     EXPECT_EQ(InOtherProcess([&path] { return Open(path, 0) == INVALID_HANDLE_VALUE; }), 0);
     EXPECT_EQ(openElsewhere(0), 0);
+}
+
+TEST(LinuxFiles, AreFreeOnceTheyAreClosedWhoeverHasInheritedThem) {
+    const ScratchFolder folder;
+    const std::u16string path = folder.Write("file", "x").u16string();
+    const HANDLE file = Open(path, 0);
+    int life[2];
+    ASSERT_EQ(pipe(life), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        char end;
+        close(life[1]);
+        _exit(read(life[0], &end, 1) == 0 ? 0 : 1);  // as long as its parent holds the other end
+    }
+    CloseHandle(file);
+    const HANDLE again = Open(path, 0);
+    EXPECT_NE(again, INVALID_HANDLE_VALUE);
+    CloseHandle(again);
+    close(life[1]);
+    close(life[0]);
+    waitpid(child, nullptr, 0);
+}
+
+TEST(LinuxThreads, LeaveSignalsToTheHost) {
+    const auto run = [](void* argument) WINAPI -> unsigned {
+        sigset_t blocked;
+        pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+        static_cast<std::promise<sigset_t>*>(argument)->set_value(blocked);
+        return 0;
+    };
+    std::promise<sigset_t> told;
+    ASSERT_NE(_beginthreadex(nullptr, 0, run, &told, 0, nullptr), 0u);
+    const sigset_t there = told.get_future().get();
+    sigset_t here;
+    pthread_sigmask(SIG_BLOCK, nullptr, &here);
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGCHLD, SIGUSR1}) {
+        EXPECT_EQ(sigismember(&there, signal), 1) << signal;
+        EXPECT_EQ(sigismember(&here, signal), 0) << signal;
+    }
+    EXPECT_EQ(sigismember(&there, SIGSEGV), 0);
 }
 
 TEST(LinuxFiles, DoNotWaitForTheOtherEndOfAPipe) {

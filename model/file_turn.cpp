@@ -8,13 +8,12 @@
 namespace quorvane {
 namespace {
 
-// Those who use a file or wait for it.
+// Those who use a file or wait for it, each with a ticket.
 struct Line {
     unsigned long long nextTicket = 0;
-    unsigned long long served =
-        0;          // tickets that have had their turn begun, and let the next one in
-    int users = 0;  // whose turn it is
-    int size = 0;   // with those who wait
+    unsigned long long served = 0;  // the ticket whose turn comes next
+    int users = 0;                  // whose turn it is
+    int size = 0;                   // with those who wait
 };
 
 class Lines {

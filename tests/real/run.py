@@ -10,6 +10,7 @@ the machine doesn't permit what K tests need.
 """
 
 import argparse
+import signal
 import sys
 import time
 import unittest
@@ -104,6 +105,9 @@ def main():
     parser.add_argument("--windows", metavar="BIN", help="bin folder of a Windows build")
     parser.add_argument("words", nargs="*", metavar="WORD", help="run the tests with it in the name")
     options = parser.parse_args()
+    # Or the programs that it starts would ignore interruptions, where the runner is a shell's
+    # background job.
+    signal.signal(signal.SIGINT, signal.default_int_handler)
     folders = {"native": options.native, "windows": options.windows}
     if not any(folders.values()):
         for system, preset in (("native", "linux-release"), ("windows", "windows-release")):

@@ -22,7 +22,6 @@
 #include <algorithm>
 #include <chrono>
 #include <concepts>
-#include <limits>
 #include <string>
 #include <string_view>
 
@@ -47,6 +46,12 @@ private:
     ComPtr<IMailAddress> object_ = Create<IMailAddress>();
 };
 
+namespace detail {
+
+inline constexpr LONG kLargest = 0x7FFFFFFF;
+
+}  // namespace detail
+
 // What goes along with a message: a file, which is read when the message is sent, or bytes. A copy
 // is the same attachment: what is set of one is set of both.
 class Attachment {
@@ -59,7 +64,7 @@ public:
     }
     // The bytes are copied.
     Attachment(const Bstr& name, std::string_view bytes) {
-        if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<LONG>::max())) {
+        if (bytes.size() > static_cast<std::size_t>(detail::kLargest)) {
             throw Error(E_INVALIDARG, "An attachment has 2 GiB at most.");
         }
         auto* data = reinterpret_cast<unsigned char*>(const_cast<char*>(bytes.data()));
@@ -203,8 +208,9 @@ public:
         return Set(object_->put_SmtpSPA(wanted ? VARIANT_TRUE : VARIANT_FALSE));
     }
     Mailer& ReplyTimeout(std::chrono::seconds time) {
-        constexpr std::chrono::seconds kLongest{std::numeric_limits<LONG>::max()};
-        return Set(object_->put_ReplyTimeout(static_cast<LONG>(std::min(time, kLongest).count())));
+        constexpr std::chrono::seconds kNone{0}, kLongest{detail::kLargest};
+        const auto seconds = std::clamp(time, kNone, kLongest).count();
+        return Set(object_->put_ReplyTimeout(static_cast<LONG>(seconds)));
     }
     Mailer& ConnectAttempts(int count) { return Set(object_->put_ConnectAttempts(count)); }
     // The name by which the computer introduces itself; its own unless given.

@@ -9,7 +9,6 @@
 #include <ocidl.h>
 #include <ole2.h>
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <functional>
@@ -24,7 +23,7 @@ namespace quorvane::client {
 // its own loop, which does the same, instead.
 inline void TakeMessages(std::chrono::milliseconds time) {
     constexpr std::chrono::milliseconds kLongest = std::chrono::hours(24);
-    const auto end = std::chrono::steady_clock::now() + std::min(time, kLongest);
+    const auto end = std::chrono::steady_clock::now() + (time < kLongest ? time : kLongest);
     do {
         MSG message;
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);

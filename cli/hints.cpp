@@ -127,8 +127,6 @@ std::string HintForRefusal(std::string_view text) {
     } kRefusals[] = {
         {"Message must have at least one recipient", "",
          "add --to, --cc or --bcc with an address."},
-        {"Couldn't open attachment file",
-         "==", "a picture whose bytes stand behind src= is none to import: use --no-import."},
         {"Couldn't open attachment file", "=",
          "put each value behind src= in double quotes; single ones don't end it."},
         {"Couldn't open attachment file", "",
@@ -138,6 +136,9 @@ std::string HintForRefusal(std::string_view text) {
         {"Cannot import malformed HTML file", "",
          "put each value behind src= in double quotes, or use --no-import."},
     };
+    if (text.starts_with("Couldn't open attachment file") && text.find("data:") != text.npos) {
+        return "a picture whose bytes stand behind src= is none to import: use --no-import.";
+    }
     for (const auto& refusal : kRefusals) {
         if (text.starts_with(refusal.beginning) && text.ends_with(refusal.end))
             return std::string(refusal.hint);

@@ -66,6 +66,8 @@ TEST(Hints, TellAMissingFileFromOneInSingleQuotes) {
     const std::string file = "Couldn't open attachment file page\\o'clock.png";
     EXPECT_NE(HintForRefusal(file).find("check the name"), std::string::npos);
     EXPECT_NE(HintForRefusal(file + "' alt=").find("double quotes"), std::string::npos);
+    EXPECT_NE(HintForRefusal(file + "data:image\\png;base64,AA=").find("none to import"),
+              std::string::npos);
 }
 
 }  // namespace
